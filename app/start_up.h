@@ -1,0 +1,21 @@
+// Start-up: identity, log, paths, then batch mode. Program_Run (platform/system.h) is its entry.
+#pragma once
+
+#include "attribute/settings.h"
+
+#define PROGRAM_NAME        "Tagwright"
+#define PROGRAM_VERSION     "2.1 rev-2"
+#define PROGRAM_IDENTIFIER  "TAGWRIGHT 21000020"
+#define PROGRAM_DATE        "15/06/2016"
+#define PROGRAM_TITLE       "Kestrelbay's Tagwright 2.1 rev-2"
+#define PROGRAM_VENDOR      "Kestrelbay"
+
+// Owned texts, each ending in a separator, or none.
+struct Application {
+    char    *Inst_Path;             // Install directory.
+    char    *Application_Path;      // The user's own directory.
+    char    *DICOM_Module_Dir;      // Definition tables.
+    Settings settings;
+};
+
+extern Application Program;

@@ -1,0 +1,1 @@
+#include "attribute/NEMA_Tag_Copy.h"

@@ -1,0 +1,19 @@
+// From the flat list of a stream, in which items and delimiters are records like any other, to the nested list. The same
+// pass marks private and retired attributes, checks VRs against the dictionary and guesses missing ones, and warns about
+// structural faults.
+#pragma once
+
+#include "attribute/attribute.h"
+#include "attribute/settings.h"
+#include "platform/window.h"
+
+// The first record of a new nested list, owned by the caller; none for an empty input or when memory ran out. The flat
+// list stays with the caller; its records get marks and guessed VRs.
+Attribute *DICOM_Attribute_Format (Window window, const Settings *settings, Attribute *flat_first);
+
+// Drops an explicit VR that isn't known and guesses a missing one from the value. 1, or 0 when the explicit VR isn't one
+// of the dictionary's or nothing could be guessed.
+int DICOM_Attribute_VR_Check (Window window, const Settings *settings, Attribute *attribute);
+
+// 1 when the attribute has no dictionary entry or the entry allows vr, 0 after a mismatch note.
+int DICOM_Attribute_VR_Match (Window window, const Settings *settings, const Attribute *attribute, uint16_t vr);

@@ -1,0 +1,1 @@
+#include "attribute/sequence_cursor.h"

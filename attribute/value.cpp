@@ -1,0 +1,1 @@
+#include "attribute/value.h"

@@ -1,0 +1,33 @@
+// Value bytes and who shares them. An attribute's data lives in a reference-counted block: memory of its own, or the
+// read-only mapping of the file. Copying an attribute shares the block; whoever changes bytes in place unshares first.
+// The count is a plain integer: one thread works on lists.
+#pragma once
+
+#include <stdint.h>
+
+#include "attribute/attribute.h"
+#include "util/file.h"
+#include "util/memory.h"
+
+// Gives attribute a new block of its own of length bytes (0 gives a buffer without bytes), uninitialised, and releases
+// the old one. length and the other fields stay. 1, or 0 after the malloc message.
+int Value_New (Window window, Memory_Site site, Attribute *attribute, int32_t length);
+
+// Gives attribute the next length bytes of the file as a view, without reading them, and moves the file behind them.
+// 1, or 0 when it can't be mapped; then nothing has changed and the caller reads.
+int Value_Map (Window window, Attribute *attribute, File *file, int32_t length);
+
+void Value_Share (Attribute *target, const Attribute *source);  // target's own value is released first. Self is allowed.
+void Value_Release (Attribute *attribute);                      // data and block are none afterwards; length stays.
+
+// Makes the bytes writable: attribute is their only owner afterwards. 1, or 0 after the malloc message.
+int Value_Unshare (Window window, Memory_Site site, Attribute *attribute);
+
+// Makes the bytes writable and the buffer new_length bytes long: the first bytes are kept, added ones are
+// uninitialised; length stays. 1, or 0 after the realloc message.
+int Value_Resize (Window window, Memory_Site site, Attribute *attribute, int32_t new_length);
+
+// Replaces the value by an owned, terminated text (for a merged record; length stays). 1, or 0 after the strdup message.
+int Value_Set_Text (Window window, Memory_Site site, Attribute *attribute, const char *text);
+
+int Value_Is_Mapped (const Attribute *attribute);

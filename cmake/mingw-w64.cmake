@@ -1,0 +1,14 @@
+# Windows (64 bit) built on Linux. The posix threads variant is wanted: the other one lacks the standard thread support
+# that the tests use. Test programs run under Wine.
+set (CMAKE_SYSTEM_NAME Windows)
+set (CMAKE_SYSTEM_PROCESSOR x86_64)
+set (CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
+set (CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
+set (CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
+set (CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
+set (CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set (CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set (CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set (CMAKE_EXE_LINKER_FLAGS_INIT "-static")
+find_program (TAGWRIGHT_WINE NAMES wine64 wine PATHS /usr/lib/wine REQUIRED)
+set (CMAKE_CROSSCOMPILING_EMULATOR ${TAGWRIGHT_WINE})

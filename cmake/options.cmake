@@ -1,0 +1,19 @@
+# Flags of our own sources, and the one function that declares a library of ours.
+
+add_library (tagwright_options INTERFACE)
+target_include_directories (tagwright_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options (tagwright_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wcast-qual -Wformat=2 -Wno-format-nonliteral
+    -Wundef -Werror)
+target_compile_definitions (tagwright_options INTERFACE
+    $<$<PLATFORM_ID:Windows>:__USE_MINGW_ANSI_STDIO=1>)
+
+# The program itself throws nothing and asks for no type at run time; the tests may.
+add_library (tagwright_program_options INTERFACE)
+target_link_libraries (tagwright_program_options INTERFACE tagwright_options)
+target_compile_options (tagwright_program_options INTERFACE -fno-exceptions -fno-rtti)
+
+if (TAGWRIGHT_SANITIZE)
+    add_compile_options (-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options (-fsanitize=address,undefined)
+endif ()

@@ -1,0 +1,1 @@
+#include "compare/attribute_comparison.h"

@@ -1,0 +1,1 @@
+#include "compare/comparison_run.h"

@@ -1,0 +1,1 @@
+#include "compare/file_reader.h"

@@ -1,0 +1,1 @@
+#include "nema/NEMA_Read_Data.h"

@@ -1,0 +1,51 @@
+// Low-level reads of a DICOM stream, from a file or from memory, and numbers in the byte order of a reading mode.
+#pragma once
+
+#include <stddef.h>
+#include <stdint.h>
+
+#include "attribute/attribute.h"
+#include "attribute/settings.h"
+#include "platform/window.h"
+#include "util/file.h"
+
+// --- source ----------------------------------------------------------------
+
+enum { NEMA_FILE = 1, NEMA_MEMORY = 2 };
+
+struct NEMA_Source {
+    int             kind;
+    const char     *name;       // For messages; borrowed.
+    File           *file;       // NEMA_FILE: borrowed. None after a failed move has closed it.
+    const uint8_t  *base;       // NEMA_MEMORY: borrowed bytes,
+    uint32_t        size;       // how many there are,
+    uint32_t        position;   // and where the next read starts.
+    const Settings *settings;   // Borrowed; none means silent.
+};
+
+// --- numbers ---------------------------------------------------------------
+
+// The number stored at bytes, which need not be aligned, in the byte order of mode.
+uint16_t Swap_Short  (uint8_t mode, const uint8_t *bytes);
+uint32_t Swap_Long   (uint8_t mode, const uint8_t *bytes);
+float    Swap_Float  (uint8_t mode, const uint8_t *bytes);
+double   Swap_Double (uint8_t mode, const uint8_t *bytes);
+
+// --- reading ---------------------------------------------------------------
+
+// Each advances the source by what it read and returns 1, or 0 after a report. Memory is never read past its size: that
+// is the end of the data, reported like a file's.
+int NEMA_Read_Bytes (Window window, NEMA_Source *source, uint8_t mode, size_t count, void *destination);    // Raw.
+int NEMA_Read_Short (Window window, NEMA_Source *source, uint8_t mode, uint16_t *value);
+int NEMA_Read_Long  (Window window, NEMA_Source *source, uint8_t mode, uint32_t *value);
+
+// Reads a value of length bytes (1 or more) into target->data, in a block of target's own; a large one of a file is
+// mapped instead. With MODE_SWAB the bytes of every 16-bit unit are exchanged. 1, or 0 after a report.
+int NEMA_Read_Buffer (Window window, NEMA_Source *source, uint8_t mode, int32_t length, Attribute *target);
+
+static const int32_t NEMA_MAP_LENGTH = 65536;   // From this length on a value is mapped.
+
+// --- position --------------------------------------------------------------
+
+int64_t NEMA_Tell (const NEMA_Source *source);                      // -1 on failure.
+int     NEMA_Seek (NEMA_Source *source, int64_t position);          // 1 or 0. Reports nothing and closes nothing.

@@ -1,0 +1,45 @@
+// The program's own data dictionary: names, VRs and multiplicities of the standard attributes (PS3.6), parsed from text
+// lines at the first look-up and kept until the process ends.
+#pragma once
+
+#include <stdint.h>
+
+#include "platform/window.h"
+
+static const int DICTIONARY_LINE_SIZE   = 160;      // Characters of a line that are read.
+static const int DICTIONARY_NAME_SIZE   = 80;
+static const int DICTIONARY_VR_COUNT    = 3;
+static const int DICTIONARY_TABLE_COUNT = 53;
+
+struct Dictionary_Multiplicity {
+    uint16_t minimum, maximum;      // 0xFFFF: no limit.
+};
+
+struct Dictionary_Entry {
+    uint16_t group;
+    uint16_t element;
+    uint16_t element_mask;
+    int8_t   nb_vr;                 // VR/VM pairs, negative when retired. 0 or less marks a retired entry.
+    const char *name;               // Owned by the dictionary.
+    uint16_t vr[DICTIONARY_VR_COUNT];
+    Dictionary_Multiplicity vm[DICTIONARY_VR_COUNT];
+};
+
+struct Dictionary_Table {
+    const char *const *lines;       // "(gggg,eeee) Name VR VM[ RET]"
+    int                count;
+};
+
+// The entry of a tag, or none; an odd group has none. Builds the dictionary the first time.
+const Dictionary_Entry *Dictionary_Lookup (Window window, uint16_t group, uint16_t element);
+
+// Parses the lines once. The number of entries added, remembered for further calls.
+int Dictionary_Build (Window window);
+
+// The program's lines.
+extern const Dictionary_Table Dictionary_Tables[DICTIONARY_TABLE_COUNT];
+
+// --- for tests -------------------------------------------------------------
+
+// Forgets what was built and takes other tables (none: the program's own) for the next look-up.
+void Dictionary_Reset (const Dictionary_Table *tables, int count);

@@ -1,0 +1,1 @@
+#include "tables/data_dictionary.h"

@@ -1,0 +1,1 @@
+#include "tables/uid_names.h"

@@ -1,0 +1,1 @@
+# tagwright_test (app NAME_test.cpp ...)

@@ -1,0 +1,1 @@
+# tagwright_test (attribute NAME_test.cpp ...)

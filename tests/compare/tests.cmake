@@ -1,0 +1,1 @@
+# tagwright_test (compare NAME_test.cpp ...)

@@ -1,0 +1,1 @@
+# tagwright_test (nema NAME_test.cpp ...)

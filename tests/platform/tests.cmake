@@ -1,0 +1,1 @@
+# tagwright_test (platform NAME_test.cpp ...)

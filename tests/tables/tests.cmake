@@ -1,0 +1,1 @@
+# tagwright_test (tables NAME_test.cpp ...)

@@ -1,0 +1,1 @@
+# tagwright_test (util NAME_test.cpp ...)

@@ -1,0 +1,1 @@
+#include "util/error_text.h"

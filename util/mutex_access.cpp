@@ -1,0 +1,1 @@
+#include "util/mutex_access.h"

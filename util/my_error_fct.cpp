@@ -1,0 +1,1 @@
+#include "util/my_error_fct.h"

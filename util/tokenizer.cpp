@@ -1,0 +1,1 @@
+#include "util/tokenizer.h"

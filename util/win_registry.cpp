@@ -1,0 +1,1 @@
+#include "util/win_registry.h"

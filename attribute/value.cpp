@@ -1,1 +1,124 @@
+// The one source that knows what a value block is. A block of memory carries its bytes right behind its head, so that a
+// value costs one allocation; a block of a mapping only names the view.
 #include "attribute/value.h"
+
+#include <string.h>
+
+static const char *const MODULE = "value";
+
+struct Value_Block {
+    int32_t count;      // Attributes that share the block.
+    int32_t mapped;     // 1: the head of a Mapped_Block.
+};
+
+struct Mapped_Block {
+    Value_Block    head;
+    System_Mapping mapping;
+};
+
+static uint8_t *Block_Bytes (Value_Block *block) {
+    return reinterpret_cast<uint8_t *> (block + 1);
+}
+
+static size_t Block_Size (int32_t length) {
+    return sizeof (Value_Block) + static_cast<size_t> (length > 0 ? length : 0);
+}
+
+static int Is_Own (const Attribute *attribute) {
+    return attribute->block && attribute->block->count == 1 && !attribute->block->mapped;
+}
+
+// Puts a fresh block, which may be none after a failed allocation, in the place of the old value.
+static int Take (Attribute *attribute, void *memory) {
+    if (!memory) return 0;
+    Value_Block *block = static_cast<Value_Block *> (memory);
+    block->count       = 1;
+    block->mapped      = 0;
+    Value_Release (attribute);
+    attribute->block = block;
+    attribute->data  = Block_Bytes (block);
+    return 1;
+}
+
+int Value_New (Window window, Memory_Site site, Attribute *attribute, int32_t length) {
+    return Take (attribute, Memory_Malloc (window, site, Block_Size (length)));
+}
+
+int Value_Map (Window window, Attribute *attribute, File *file, int32_t length) {
+    Mapped_Block *block =
+        static_cast<Mapped_Block *> (Memory_Malloc (window, HERE ("block", 1, sizeof *block), sizeof *block));
+    if (!block) return 0;
+    if (!File_Map (file, static_cast<size_t> (length), &block->mapping)) {
+        Memory_Free (block);
+        return 0;
+    }
+    block->head.count  = 1;
+    block->head.mapped = 1;
+    Value_Release (attribute);
+    attribute->block = &block->head;
+    // Nobody writes through a mapped view: whoever changes a value unshares it first.
+    attribute->data = const_cast<uint8_t *> (block->mapping.bytes);
+    return 1;
+}
+
+void Value_Share (Attribute *target, const Attribute *source) {
+    Value_Block *block = source->block;
+    uint8_t     *data  = source->data;
+    if (block) block->count++;
+    Value_Release (target);
+    target->block = block;
+    target->data  = data;
+}
+
+void Value_Release (Attribute *attribute) {
+    Value_Block *block = attribute->block;
+    attribute->block   = nullptr;
+    attribute->data    = nullptr;
+    if (!block || --block->count > 0) return;
+    if (block->mapped) System_File_Unmap (&reinterpret_cast<Mapped_Block *> (block)->mapping);
+    Memory_Free (block);
+}
+
+int Value_Unshare (Window window, Memory_Site site, Attribute *attribute) {
+    if (!attribute->data || Is_Own (attribute)) return 1;
+
+    Attribute copy = {};
+    if (!Value_New (window, site, &copy, attribute->length)) return 0;
+    memcpy (copy.data, attribute->data, static_cast<size_t> (attribute->length > 0 ? attribute->length : 0));
+    Value_Release (attribute);
+    attribute->block = copy.block;
+    attribute->data  = copy.data;
+    return 1;
+}
+
+int Value_Resize (Window window, Memory_Site site, Attribute *attribute, int32_t new_length) {
+    if (Is_Own (attribute)) {
+        void *memory = Memory_Realloc (window, site, attribute->block, Block_Size (new_length));
+        if (!memory) return 0;
+        attribute->block = static_cast<Value_Block *> (memory);
+        attribute->data  = Block_Bytes (attribute->block);
+        return 1;
+    }
+
+    // Held until the bytes are copied: taking the new block releases the old one.
+    Attribute old = {};
+    Value_Share (&old, attribute);
+    int taken = Take (attribute, Memory_Realloc (window, site, nullptr, Block_Size (new_length)));
+    if (taken && old.data) {
+        int32_t kept = attribute->length < new_length ? attribute->length : new_length;
+        memcpy (attribute->data, old.data, static_cast<size_t> (kept > 0 ? kept : 0));
+    }
+    Value_Release (&old);
+    return taken;
+}
+
+int Value_Set_Text (Window window, Memory_Site site, Attribute *attribute, const char *text) {
+    size_t size = strlen (text) + 1;
+    if (!Take (attribute, Memory_Text (window, site, sizeof (Value_Block) + size))) return 0;
+    memcpy (attribute->data, text, size);
+    return 1;
+}
+
+int Value_Is_Mapped (const Attribute *attribute) {
+    return attribute->block && attribute->block->mapped;
+}

@@ -42,17 +42,19 @@ void *Memory_Realloc (Window window, Memory_Site site, void *block, size_t bytes
     return larger;
 }
 
-char *Memory_Strdup (Window window, Memory_Site site, const char *text) {
-    size_t  size = strlen (text) + 1;
-    char   *copy = Fails_Now () ? nullptr : static_cast<char *> (malloc (size));
-    if (!copy) {
+void *Memory_Text (Window window, Memory_Site site, size_t bytes) {
+    void *block = Fails_Now () ? nullptr : malloc (bytes ? bytes : 1);
+    if (block) live++;
+    else
         Log_Message (window, LOG_ERROR, "line %-4d of %s \nmemory error in strdup (var=%s)", site.line, site.module,
                      site.variable);
-        return nullptr;
-    }
-    live++;
-    memcpy (copy, text, size);
-    return copy;
+    return block;
+}
+
+char *Memory_Strdup (Window window, Memory_Site site, const char *text) {
+    size_t size = strlen (text) + 1;
+    void  *copy = Memory_Text (window, site, size);
+    return copy ? static_cast<char *> (memcpy (copy, text, size)) : nullptr;
 }
 
 void Memory_Free (void *block) {

@@ -24,6 +24,7 @@ void *Memory_Malloc  (Window window, Memory_Site site, size_t bytes);
 void *Memory_Calloc  (Window window, Memory_Site site, size_t bytes);               // Zeroed.
 void *Memory_Realloc (Window window, Memory_Site site, void *block, size_t bytes);  // On failure the old block stays.
 char *Memory_Strdup  (Window window, Memory_Site site, const char *text);           // "dim" is not part of its message.
+void *Memory_Text    (Window window, Memory_Site site, size_t bytes);               // Room for a text, reported as strdup.
 void  Memory_Free    (void *block);                                                 // Accepts none.
 
 // --- for tests -------------------------------------------------------------

@@ -11,11 +11,11 @@
 
 // --- source ----------------------------------------------------------------
 
-enum { NEMA_FILE = 1, NEMA_MEMORY = 2 };
+enum { NEMA_FILE = 1, NEMA_MEMORY = 2 };    // Any other kind but 1 is memory, too.
 
 struct NEMA_Source {
     int             kind;
-    const char     *name;       // For messages; borrowed.
+    const char     *name;       // For messages; borrowed. None is "memory" there.
     File           *file;       // NEMA_FILE: borrowed. None after a failed move has closed it.
     const uint8_t  *base;       // NEMA_MEMORY: borrowed bytes,
     uint32_t        size;       // how many there are,
@@ -45,7 +45,21 @@ int NEMA_Read_Buffer (Window window, NEMA_Source *source, uint8_t mode, int32_t 
 
 static const int32_t NEMA_MAP_LENGTH = 65536;   // From this length on a value is mapped.
 
+// 1 when the source has count more bytes. Else 0, with the report and the position of a read that came to the end, so
+// that a length is checked before memory is asked for it.
+int NEMA_Check_Left (Window window, NEMA_Source *source, int64_t count);
+
+// Up to count bytes without any report: how many there were (fewer only at the end), or -1.
+int64_t NEMA_Read_Some (NEMA_Source *source, void *destination, size_t count);
+
 // --- position --------------------------------------------------------------
 
 int64_t NEMA_Tell (const NEMA_Source *source);                      // -1 on failure.
 int     NEMA_Seek (NEMA_Source *source, int64_t position);          // 1 or 0. Reports nothing and closes nothing.
+
+// A move without which the reading can't go on. 1, or 0 after a report that names the caller's module and line; then the
+// file is closed and every later read of the source fails.
+int NEMA_Move (Window window, NEMA_Source *source, int64_t position, const char *module, int line);
+
+// What messages call the source.
+const char *NEMA_Source_Name (const NEMA_Source *source);

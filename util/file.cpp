@@ -1,8 +1,6 @@
 // Buffered reading. Small reads come from one buffer, large ones go straight to where they are wanted.
 #include "util/file.h"
 
-#include <string.h>
-
 #include "util/memory.h"
 
 static const char *const MODULE = "file";
@@ -16,7 +14,12 @@ struct Fault {
 
 static Fault faults[FILE_OPERATIONS];
 
-void File_Fail_At (File_Operation operation, long n, unsigned error) { faults[operation] = {n, error}; }
+int File_Read_Watched;
+
+void File_Fail_At (File_Operation operation, long n, unsigned error) {
+    faults[operation] = {n, error};
+    File_Read_Watched = faults[FILE_READ].countdown > 0;
+}
 
 // 1 when this operation is the one that fails; the last error is set then.
 static int Fails_Now (File_Operation operation) {

@@ -1,1 +1,445 @@
+// Where every message of the program goes. What would surprise: no file stays open between two lines. A line is put
+// together in memory, and then the file is opened, receives it with one write, and is closed, so that the files are
+// complete at any moment and two processes that share them never tear each other's lines.
 #include "util/my_error_fct.h"
+
+#include <stdarg.h>
+#include <string.h>
+#include <time.h>
+
+#include <atomic>
+
+#include "platform/system.h"
+#include "util/text.h"
+#include "util/utility_directory.h"
+
+static const char *const MODULE   = "my_error_fct";
+static const char *const LIBRARY  = "Kestrelbay_Util";
+static const char *const VERSION  = "21.7";
+static const char *const REVISION = "1";
+
+static const int LINE_SIZE    = LOG_TEXT_SIZE + 128;    // A text with its prefix, indent and end.
+static const int TIME_SIZE    = 64;
+static const int LAST_ROLLING = 999;
+
+// --- settings and state ----------------------------------------------------
+
+static const Log_Settings LIBRARY_DEFAULTS = {
+    0, 2, 0, "", "trace.dat", "audit.dat", "Kestrelbay.err", 0, "No Name", "Demo", "", ""};
+
+Log_Settings Log = LIBRARY_DEFAULTS;
+
+static Log_Sink               sink;
+static Log_List               list;
+static std::atomic<int>       error_log_begun;
+static std::atomic<int>       scratch_reported;
+static thread_local int       opening;      // A report from below Log_File_Open must not open a file again.
+static char                   ring[LOG_RING_SLOTS][LOG_RING_SIZE];
+static std::atomic<uint16_t>  ring_next;    // Runs on past the last slot; the slot is the rest of its division.
+
+void Log_Settings_Reset (void) {
+    Log              = LIBRARY_DEFAULTS;
+    error_log_begun  = 0;
+    scratch_reported = 0;
+    ring_next        = 0;
+    memset (ring, 0, sizeof ring);
+}
+
+void Log_List_Set (Log_List shown) { list = shown; }
+
+const char *Log_Thread_Text (int slot) { return slot >= 0 && slot < LOG_RING_SLOTS ? ring[slot] : ""; }
+
+// --- texts -----------------------------------------------------------------
+
+void Log_Clean_Text (const char *text, char *clean, size_t size) {
+    if (!size) return;
+    char *last = clean + size - 1;
+    for (; *text && clean < last; text++)
+        if ((*text >= 0x20 && *text <= 0x7E) || *text == '\t' || *text == '\n') *clean++ = *text;
+    *clean = 0;
+}
+
+static void Local_Time (const char *format, char *result) {
+    time_t           now   = time (nullptr);
+    const struct tm *local = localtime (&now);
+    if (!local || !strftime (result, TIME_SIZE, format, local)) result[0] = 0;
+}
+
+// --- files -----------------------------------------------------------------
+
+// The directory of a log file, with a separator at its end. 0 when it is too long.
+static int Directory_Of (const Text_Path *pieces, char *directory, size_t size) {
+    size_t used = 0;
+    if (pieces->directory_length >= size) return 0;
+    if (pieces->directory_length) {
+        memcpy (directory, pieces->directory, pieces->directory_length);
+        directory[pieces->directory_length] = 0;
+        return 1;
+    }
+    if (!Log.scratch[0]) return System_Scratch_Path (directory, size);
+    directory[0] = 0;
+    Text_Append (directory, size, &used, "%s", Log.scratch);
+    if (!System_Is_Separator (directory[used - 1])) Text_Append (directory, size, &used, "%c", System_Separator ());
+    return 1;
+}
+
+// The default scratch directory may stand where everybody writes, so it must be the user's own.
+static int Directory_Ready (const char *directory) {
+    char standard[SYSTEM_PATH_SIZE];
+    if (System_Scratch_Path (standard, sizeof standard) && !strcmp (directory, standard))
+        return System_Private_Directory_Make (directory);
+    return Directory_Make (nullptr, directory);
+}
+
+static void Report_Scratch (const char *directory) {
+    char text[SYSTEM_PATH_SIZE + 128];
+    if (scratch_reported.exchange (1)) return;
+    snprintf (text, sizeof text, "Unable to create directory: \"%s\"\nMake sure you have the necessary permisions",
+              directory);
+    Window_Message_Box (nullptr, text, "Error writing to Scratch dir", WINDOW_ICON_ERROR);
+}
+
+// 1 when a numbered file can take more.
+static int Has_Room (const char *path) {
+    int64_t size;
+    if (!System_File_Exists (path)) return 1;
+    return System_File_Size_Of (path, &size) && size < Log.rolling_limit;
+}
+
+// The full name of the file, numbered when files roll. 0 when it is too long.
+static int File_Path (const Text_Path *pieces, const char *directory, char *path, size_t size) {
+    int base      = (int) pieces->base_length;
+    int extension = (int) pieces->extension_length;
+    int number    = 0;
+    int length;
+    if (base + extension >= LOG_PATH_SIZE) return 0;
+    do {
+        if (Log.rolling_limit)
+            length = snprintf (path, size, "%s%.*s_%03d%.*s", directory, base, pieces->base, number, extension,
+                               pieces->extension);
+        else length = snprintf (path, size, "%s%.*s%.*s", directory, base, pieces->base, extension, pieces->extension);
+        if (length < 0 || (size_t) length >= size) return 0;
+    } while (Log.rolling_limit && !Has_Room (path) && number++ < LAST_ROLLING);
+    return 1;
+}
+
+FILE *Log_File_Open (const char *name) {
+    char      directory[SYSTEM_PATH_SIZE];
+    char      path[SYSTEM_PATH_SIZE];
+    Text_Path pieces;
+    if (opening) return nullptr;
+    Text_Split_Path (name, &pieces);
+    if (!Directory_Of (&pieces, directory, sizeof directory)) return nullptr;
+    opening   = 1;
+    int ready = Directory_Ready (directory);
+    opening   = 0;
+    if (!ready) {
+        Report_Scratch (directory);
+        return nullptr;
+    }
+    return File_Path (&pieces, directory, path, sizeof path) ? fopen (path, "a") : nullptr;
+}
+
+// 1 when the line was handed to the file. The buffer takes all of it, so that it leaves with one write.
+static int Write_Line (const char *name, const char *line) {
+    char  buffer[2 * LINE_SIZE];
+    FILE *file = Log_File_Open (name);
+    if (!file) return 0;
+    setvbuf (file, buffer, _IOFBF, sizeof buffer);
+    fputs (line, file);
+    fclose (file);
+    return 1;
+}
+
+// --- destinations ----------------------------------------------------------
+
+static void Write_Console (const char *prefix, const char *text, const char *end) {
+    char   line[LINE_SIZE];
+    size_t used = 0;
+    Text_Append (line, sizeof line, &used, "%s%s%s", prefix, text, end);
+    fwrite (line, 1, used, stdout);
+    fflush (stdout);
+}
+
+static void Write_Trace (const char *prefix, const char *text) {
+    char   line[LINE_SIZE];
+    size_t used = 0;
+    Text_Append (line, sizeof line, &used, "%s%s\n", prefix, text);
+    Write_Line (Log.trace_name, line);
+}
+
+static void Write_Audit (const char *text) {
+    char   line[LINE_SIZE];
+    size_t used = 0;
+    Text_Append (line, sizeof line, &used, "%s\n", text);
+    Write_Line (Log.audit_name, line);
+}
+
+static void Write_Audit_Timed (const char *text) {
+    char   line[LINE_SIZE];
+    char   now[TIME_SIZE];
+    size_t used = 0;
+    Local_Time ("%d-%b-%Y %H:%M:%S", now);
+    Text_Append (line, sizeof line, &used, "%s %s\n", now, text);
+    Write_Line (Log.audit_name, line);
+}
+
+// The first line of a run brings the header with it, in the same write.
+static void Write_Error_Log (const char *text) {
+    char   line[LINE_SIZE + LOG_PATH_SIZE];
+    char   now[TIME_SIZE];
+    size_t used  = 0;
+    int    first = !error_log_begun.load ();
+    Local_Time ("%d %b %Y %H:%M", now);
+    if (first)
+        Text_Append (line, LOG_PATH_SIZE, &used, "\n======== %s %s =====(%s)========\n", Log.program_name,
+                     Log.program_version, now);
+    Text_Append (line, sizeof line, &used, "%s\n", text);
+    if (Write_Line (Log.error_name, line)) error_log_begun = 1;
+}
+
+// The raw text: the window's list interprets the display codes.
+static void Queue (Window window, const char *text) {
+    Text_Copy (ring[ring_next++ % LOG_RING_SLOTS], LOG_RING_SIZE, text);
+    Window_Post_Thread_Message (window);
+}
+
+// --- routes ----------------------------------------------------------------
+
+enum Audit_Form { AUDIT_NONE, AUDIT_TIMED, AUDIT_TRIMMED, AUDIT_ALWAYS };
+
+// How a kind's line looks on the console and in the trace file, and from which negative level on the trace file gets it
+// (positive levels always do). The blanks differ from place to place; tools that read the files know them so.
+struct Route {
+    const char *console;        // None: not there.
+    const char *console_end;
+    const char *trace;
+    int         lowest;
+    Audit_Form  audit;
+};
+
+// clang-format off
+static const Route ROUTES[] = {
+    {},
+    {"ERROR: ",   "\n",  "ERROR:   ",  -3, AUDIT_TRIMMED},
+    {"WARNING: ", "\n",  "WARNING: ",  -2, AUDIT_TRIMMED},
+    {},
+    {"REPORT:  ", "\n",  "REPORT: ",   -1, AUDIT_TIMED},
+    {"AUDIT:   ", " \n", nullptr,       0, AUDIT_ALWAYS},
+    {"THREAD:  ", "\n",  "THREAD:  ",  -1, AUDIT_TIMED},
+    {"ERRLOG: ",  "\n",  nullptr,       0, AUDIT_NONE},
+    {"OVER:   ",  "\n",  "OVER: ",     -1, AUDIT_NONE},
+};
+static const Route TRACE_ROUTE = {"TRACE:   ", " \n", "TRACE:   ", INT8_MIN, AUDIT_NONE};
+
+// Before the program's sink is there.
+static const Route DEFAULT_ROUTES[] = {
+    {},
+    {nullptr,         nullptr, "ERROR:   ",     INT8_MIN, AUDIT_NONE},
+    {"WARNING: ",     " \n",   "WARNING: ",     INT8_MIN, AUDIT_NONE},
+    {},
+    {"REPORT:  ",     "\n",    "REPORT: ",            -1, AUDIT_TIMED},
+    {"AUDIT:   ",     " \n",   "AUDIT:   ",     INT8_MIN, AUDIT_ALWAYS},
+    {"THREAD:  ",     "\n",    "THREAD:  ",           -1, AUDIT_TIMED},
+    {"ERROR LOG:   ", " \n",   "ERROR LOG:   ", INT8_MIN, AUDIT_NONE},
+    {"OVER:   ",      "\n",    "OVER: ",              -1, AUDIT_NONE},
+};
+// clang-format on
+
+static int Is_Trace (int kind) { return kind >= LOG_TRACE1 && kind <= LOG_TRACE9; }
+
+static int Is_Line (int kind) { return kind >= LOG_ERROR && kind <= LOG_OVER; }
+
+static int Trace_File_Wants (const Route *route) {
+    int level = Log.trace_level;
+    return route->trace && (level > 0 || (level < 0 && level >= route->lowest));
+}
+
+static void Audit (const Route *route, char *clean) {
+    if (Log.audit_mode == 2 && route->audit == AUDIT_ALWAYS) Write_Audit (clean);
+    if (Log.audit_mode != 1 || route->audit == AUDIT_NONE) return;
+    Write_Audit_Timed (route->audit == AUDIT_TRIMMED ? Text_Trim (clean) : clean);
+}
+
+// A trace's depth shows as an indent between prefix and text.
+static void Write_Indented (const Route *route, int kind, char *clean) {
+    char   line[LINE_SIZE];
+    size_t used = 0;
+    Text_Append (line, sizeof line, &used, "%*s%s", 4 * (kind - LOG_TRACE1), "", clean);
+    if (Log.trace_level > 0) Write_Console (route->console, line, route->console_end);
+    if (Trace_File_Wants (route)) Write_Trace (route->trace, line);
+}
+
+static void Write_Route (const Route *route, char *clean) {
+    if (route->console && Log.trace_level > 0) Write_Console (route->console, clean, route->console_end);
+    if (Trace_File_Wants (route)) Write_Trace (route->trace, clean);
+    Audit (route, clean);
+}
+
+static void Show (Window window, int kind, const char *text) {
+    if (kind == LOG_THREAD) Queue (window, text);
+    if (list && (kind == LOG_WARNING || kind == LOG_REPORT || kind == LOG_OVER)) list (window, text, kind == LOG_OVER);
+}
+
+int Log_Program_Sink (Window window, int kind, const char *text) {
+    char clean[LOG_TEXT_SIZE];
+    if (!Is_Line (kind) && !Is_Trace (kind)) return 1;
+    Log_Clean_Text (text, clean, sizeof clean);
+    if (kind == LOG_QUESTION) return Window_Question_Box (window, clean, Log.program_name);
+    if (kind == LOG_ERROR) Window_Message_Box (window, clean, "", WINDOW_ICON_ERROR);
+    Show (window, kind, text);
+    if (Is_Trace (kind)) Write_Indented (&TRACE_ROUTE, kind, clean);
+    else Write_Route (&ROUTES[kind], clean);
+    if (kind == LOG_ERRLOG) Write_Error_Log (clean);
+    return 1;
+}
+
+// With any audit mode but 0 the audit file gets the bare text, as the program's mode 2 would write it.
+static void Audit_By_Default (const Route *route, char *clean) {
+    if (route->audit != AUDIT_ALWAYS) Audit (route, clean);
+    else if (Log.audit_mode) Write_Audit (clean);
+}
+
+static int Default_Sink (Window window, int kind, const char *text) {
+    char clean[LOG_TEXT_SIZE];
+    Log_Clean_Text (text, clean, sizeof clean);
+    if (kind == LOG_QUESTION) return Window_Question_Box (window, clean, LIBRARY);
+    if (Is_Trace (kind)) {
+        Write_Indented (&TRACE_ROUTE, kind, clean);
+        return 1;
+    }
+    const Route *route = &DEFAULT_ROUTES[kind];
+    if (kind == LOG_ERROR) Window_Message_Box (window, clean, "", WINDOW_ICON_ERROR);
+    if (route->console && Log.trace_level > 0) Write_Console (route->console, clean, route->console_end);
+    if (Trace_File_Wants (route)) Write_Trace (route->trace, clean);
+    Audit_By_Default (route, clean);
+    return 1;
+}
+
+// --- the call --------------------------------------------------------------
+
+static void Format (char *text, const char *format, va_list arguments) {
+    if (vsnprintf (text, LOG_TEXT_SIZE, format, arguments) < 0) text[0] = 0;
+}
+
+// For plain boxes the caption stands where other kinds have their format.
+static void Show_Box (Window window, int kind, const char *caption, va_list arguments) {
+    static const Window_Icon ICONS[] = {WINDOW_ICON_INFORMATION, WINDOW_ICON_WARNING, WINDOW_ICON_ERROR};
+
+    char        text[LOG_TEXT_SIZE];
+    const char *format = va_arg (arguments, const char *);
+    Format (text, format, arguments);
+    Window_Message_Box (window, text, caption, ICONS[kind - LOG_BOX_INFO]);
+}
+
+static int Send (Window window, int kind, const char *format, va_list arguments) {
+    char text[LOG_TEXT_SIZE];
+    Format (text, format, arguments);
+    return sink ? sink (window, kind, text) : Default_Sink (window, kind, text);
+}
+
+// Most calls are traces that nobody wants to see: they end before anything is formatted.
+int Log_Message (Window window, int kind, const char *format, ...) {
+    if (Log.mute) return 0;
+    if (Is_Trace (kind) && Log.trace_level < kind - LOG_TRACE1 + 1) return 1;
+    int is_box = kind >= LOG_BOX_INFO && kind <= LOG_BOX_ERROR;
+    if (!is_box && !Is_Line (kind) && !Is_Trace (kind)) return 1;
+
+    va_list arguments;
+    int     result = 1;
+    va_start (arguments, format);
+    if (is_box) Show_Box (window, kind, format, arguments);
+    else result = Send (window, kind, format, arguments);
+    va_end (arguments);
+    return result;
+}
+
+void Log_Sink_Set (Log_Sink chosen) { sink = chosen; }
+
+void Log_Section (Window window, int kind, const char *title) {
+    static const char DASHES[] = "-------------------------------------------------------------------------------";
+    static_assert (sizeof DASHES == 79 + 1, "a section line has 79 dashes");
+
+    Log_Message (window, kind, "\n\n\n");
+    Log_Message (window, kind, "%s", DASHES);
+    Log_Message (window, kind, "%s", title);
+    Log_Message (window, kind, "%s", DASHES);
+}
+
+// --- banner ----------------------------------------------------------------
+
+// Nothing is made here, and nothing is deleted in a default directory that is not the user's own.
+static void Trace_File_Delete (void) {
+    char      directory[SYSTEM_PATH_SIZE];
+    char      path[SYSTEM_PATH_SIZE];
+    Text_Path pieces;
+    Text_Split_Path (Log.trace_name, &pieces);
+    if (!Directory_Of (&pieces, directory, sizeof directory)) return;
+    if (!System_Is_Directory (directory) || !Directory_Ready (directory)) return;
+    if (File_Path (&pieces, directory, path, sizeof path)) System_File_Delete (path);
+}
+
+const char *Log_System_Name (int platform, int major, int minor) {
+    if (platform == 0) return "Win32s";
+    if (platform == 1) return major > 4 || (major == 4 && minor > 0) ? "Windows 98" : "Windows 95";
+    if (platform != 2) return nullptr;
+    if (major == 5 && minor == 0) return "Windows 2000";
+    return major == 5 && minor == 1 ? "Windows XP" : "Windows NT";
+}
+
+static void Banner_Program (void) {
+    char now[TIME_SIZE];
+    Local_Time ("%d %b %Y %H:%M", now);
+    Log_Message (nullptr, LOG_TRACE1, "==== ==== %s %s ==== (%s) ==== ====", Log.program_name, Log.program_version, now);
+    Log_Message (nullptr, LOG_TRACE1, "");
+    Log_Message (nullptr, LOG_TRACE1, "Prog_ID:      %s", Log.program_identifier);
+    Log_Message (nullptr, LOG_TRACE1, "Prog_Date:    %s", Log.program_date);
+    Log_Message (nullptr, LOG_TRACE1, "Compile:      %s", __DATE__);
+    Log_Message (nullptr, LOG_TRACE1, "");
+}
+
+static void Banner_Name (const Log_Facts *facts) {
+    char name[LOG_PATH_SIZE];
+    if (facts->computer_name (name, sizeof name)) {
+        Log_Message (nullptr, LOG_TRACE1, "Computer Name:  %s", name);
+        return;
+    }
+    Log_Message (nullptr, LOG_TRACE1, "File:%s Line:%d", MODULE, __LINE__);
+    Log_Message (nullptr, LOG_TRACE1, "in GetComputerName()");
+}
+
+static void Banner_System (const System_Version *version) {
+    const char *name = Log_System_Name (version->platform, version->major, version->minor);
+    if (name) Log_Message (nullptr, LOG_TRACE1, "System:         %s", name);
+    Log_Message (nullptr, LOG_TRACE1, "                version %d.%d (Build %d)", version->major, version->minor,
+                 version->build);
+    if (version->has_service_pack)
+        Log_Message (nullptr, LOG_TRACE1, "                Service Pack %d.%d", version->pack_major, version->pack_minor);
+}
+
+void Log_Banner_From (const Log_Facts *facts) {
+    System_Version   version;
+    System_Processor processor;
+    Trace_File_Delete ();
+    Banner_Program ();
+    Log_Message (nullptr, LOG_TRACE1, "---- Computer Info: ----");
+    Banner_Name (facts);
+    if (!facts->version (&version)) return;
+    Banner_System (&version);
+    facts->processor (&processor);
+    Log_Message (nullptr, LOG_TRACE1, "Processor:      %u x %u (OEM ID: %u)", processor.count, processor.type, processor.oem);
+    Log_Message (nullptr, LOG_TRACE1, "");
+    Log_Message (nullptr, LOG_TRACE1, "-----------------------");
+}
+
+void Log_Banner (void) {
+    static const Log_Facts SYSTEM = {System_Computer_Name, System_Version_Get, System_Processor_Get};
+    Log_Banner_From (&SYSTEM);
+}
+
+const char *Library_Banner (const char *check) {
+    static char text[LOG_PATH_SIZE];
+    if (check && strncmp (check, VERSION, 5)) return nullptr;
+    snprintf (text, sizeof text, "%s (Static) %s (rev-%s)", LIBRARY, VERSION, REVISION);
+    return text;
+}

@@ -3,9 +3,11 @@
 // audit file and error-log file a line reaches.
 #pragma once
 
+#include <stddef.h>
 #include <stdint.h>
 #include <stdio.h>
 
+#include "platform/system.h"
 #include "platform/window.h"
 
 // --- kinds -----------------------------------------------------------------
@@ -92,6 +94,17 @@ const char *Log_Thread_Text (int slot);
 
 FILE       *Log_File_Open (const char *name);   // For appending; in the scratch directory unless name has a directory.
 void        Log_Banner (void);                  // Starts a new trace file and writes who, when and where into it.
+
+// The same with facts that a test makes up.
+struct Log_Facts {
+    int  (*computer_name) (char *result, size_t size);
+    int  (*version)       (System_Version *version);
+    void (*processor)     (System_Processor *processor);
+};
+void        Log_Banner_From (const Log_Facts *facts);
+const char *Log_System_Name (int platform, int major, int minor);   // "Windows XP"; none outside of Windows.
+
+// Who this library is; static text.
 const char *Library_Banner (const char *check); // None when check's first five characters are another version.
 
 // --- memory of texts -------------------------------------------------------

@@ -421,10 +421,11 @@ unsigned System_Last_Error (void) { return (unsigned) errno; }
 
 void System_Last_Error_Set (unsigned code) { errno = (int) code; }
 
+// What stands above the low 16 bits says where a code came from, as on Windows; the error itself stands in them.
 int System_Error_Message (unsigned code, char *result, size_t size) {
-    const char *text = code == NOT_A_REGULAR_FILE ? "Not a regular file" : nullptr;
-    if (!text && code <= INT_MAX) text = strerror ((int) code);
-    if (!text || !strncmp (text, "Unknown error", 13)) return 0;
+    unsigned    error = code & 0xFFFF;
+    const char *text  = error == NOT_A_REGULAR_FILE ? "Not a regular file" : strerror ((int) error);
+    if (!strncmp (text, "Unknown error", 13)) return 0;
     snprintf (result, size, "%s", text);
     return 1;
 }

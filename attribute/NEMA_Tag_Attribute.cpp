@@ -1,1 +1,351 @@
+// The store. Lists are searched from their start by rule, but files are written in tag order and walks go through lists
+// in that order, so the first record of a list remembers where the last search ended (seek): the next search goes on from
+// there when the list is in order, and an item is entered without any search while its sequence stays the same. What is
+// found is what the search from the start would find.
 #include "attribute/NEMA_Tag_Attribute.h"
+
+#include <stdio.h>
+
+#include "attribute/NEMA_Tag_Copy.h"
+#include "attribute/messages.h"
+#include "attribute/value.h"
+#include "util/text.h"
+
+static const char *const MODULE = "NEMA_Tag_Attribute";
+
+// The size that the failure texts state for a record. What the program keeps behind the described fields isn't counted.
+static const int RECORD_SIZE_STATED = 96;
+static const int SLOT_SIZE_STATED   = 8;
+
+// --- one list --------------------------------------------------------------
+
+static int Tag_Compare_To (const Attribute *attribute, uint16_t group, uint16_t element) {
+    return Tag_Compare (attribute->group, attribute->element, group, element);
+}
+
+// The record at which the search for a tag starts: the first one, or where the last search ended when all records before
+// that one are smaller than the tag. seek is always the first record with its own tag.
+static Attribute *List_Search_Start (Attribute *first, uint16_t group, uint16_t element) {
+    Attribute *seek = first->seek;
+    if (!seek) return first;
+    int order = Tag_Compare_To (seek, group, element);
+    return order == 0 || (order < 0 && !first->unordered) ? seek : first;
+}
+
+// First record of the list with exactly this tag, or none.
+static Attribute *List_Find (Attribute *first, uint16_t group, uint16_t element) {
+    Attribute *run = nullptr;   // First record of the run of equal tags that the search is in.
+    for (Attribute *record = List_Search_Start (first, group, element); record; record = record->next) {
+        int order = Tag_Compare_To (record, group, element);
+        if (order == 0) {
+            first->seek = record;
+            return record;
+        }
+        if (order > 0 && !first->unordered) break;
+        if (!run || Tag_Compare_To (run, record->group, record->element) != 0) run = record;
+    }
+    if (run && !first->unordered) first->seek = run;
+    return nullptr;
+}
+
+// The final record. last is nearly always it; a record inserted in tag order may have become last in front of others.
+static Attribute *List_End (Attribute *first) {
+    Attribute *end = first->last ? first->last : first;
+    while (end->next) end = end->next;
+    return end;
+}
+
+// Links a record, whose tag is set, behind the final one.
+static void List_Append (Attribute *first, Attribute *record) {
+    Attribute *end = List_End (first);
+    if (Tag_Compare_To (end, record->group, record->element) > 0) first->unordered = 1;
+    end->next   = record;
+    first->last = record;
+}
+
+// Takes the record behind previous (none: the first one) out of the list at place and releases it.
+static void List_Remove (Window window, Attribute **place, Attribute *previous) {
+    Attribute *first   = *place;
+    Attribute *removed = previous ? previous->next : first;
+    first->seek        = nullptr;
+    if (previous) {
+        previous->next = removed->next;
+        if (first->last == removed) first->last = previous;
+    } else {
+        Attribute *successor = removed->next;
+        if (successor) {
+            successor->last      = removed->last == removed ? successor : removed->last;
+            successor->unordered = removed->unordered;
+            successor->seek      = nullptr;
+        }
+        *place = successor;
+    }
+    DICOM_Attribute_Free (window, removed);
+}
+
+// --- items -----------------------------------------------------------------
+
+// Room for item slots grows in powers of two, so that sequences of many items, which grow by one slot at a time, cost
+// linear time.
+static int32_t Slot_Capacity (int32_t count) {
+    int64_t capacity = 1;
+    while (capacity < count) capacity *= 2;
+    return static_cast<int32_t> (capacity < INT32_MAX ? capacity : INT32_MAX);
+}
+
+int Attribute_Grow_Items (Window window, Memory_Site site, Attribute *attribute, int32_t count) {
+    if (count <= attribute->nb_item) return 1;
+    if (!attribute->item || Slot_Capacity (count) != Slot_Capacity (attribute->nb_item)) {
+        size_t bytes = static_cast<size_t> (Slot_Capacity (count)) * sizeof (Attribute *);
+        void  *item  = Memory_Realloc (window, site, attribute->item, bytes);
+        if (!item) return 0;
+        attribute->item = static_cast<Attribute **> (item);
+    }
+    while (attribute->nb_item < count) attribute->item[attribute->nb_item++] = nullptr;
+    return 1;
+}
+
+static Attribute *Record_New (Window window) {
+    return static_cast<Attribute *> (
+        Memory_Calloc (window, HERE ("insert", 1, RECORD_SIZE_STATED), sizeof (Attribute)));
+}
+
+// A sequence that the cursor stands in but the list lacks: one empty item slot, not linked yet. None on failure.
+static Attribute *Sequence_New (Window window, const SequenceCursor *cursor, int32_t level) {
+    Attribute *sequence = Record_New (window);
+    if (!sequence) return nullptr;
+    sequence->item = static_cast<Attribute **> (
+        Memory_Calloc (window, HERE ("insert->item", 1, SLOT_SIZE_STATED), sizeof (Attribute *)));
+    if (!sequence->item) {
+        Memory_Free (sequence);
+        return nullptr;
+    }
+    sequence->nb_item = 1;
+    sequence->level   = static_cast<uint8_t> (level);
+    sequence->vr_file = VR_SQ;
+    sequence->vr      = VR_SQ;
+    DICOM_Attribute_Sequence_Get (window, cursor, level, &sequence->group, &sequence->element, &sequence->flags);
+    return sequence;
+}
+
+Attribute **DICOM_Attribute_Item_Slot (Window window, SequenceCursor *cursor, Attribute *first, int) {
+    int32_t level = first->level;
+    if (level >= cursor->depth) return nullptr;
+
+    int32_t index = DICOM_Attribute_Sequence_End (window, cursor, level + 1);
+    if (index < 0) index = 0;
+
+    Attribute *sequence = List_Find (first, cursor->group[level], cursor->element[level]);
+    if (sequence) {
+        Memory_Site site = HERE ("pt->item", sequence->nb_item + 1, SLOT_SIZE_STATED);
+        return Attribute_Grow_Items (window, site, sequence, index + 1) ? &sequence->item[index] : nullptr;
+    }
+    sequence = Sequence_New (window, cursor, level);
+    if (!sequence) return nullptr;
+    List_Append (first, sequence);
+    return &sequence->item[0];
+}
+
+// --- navigation ------------------------------------------------------------
+
+// The place of the list in which the cursor stands, or of an empty list on the way; none when a place can't be made. The
+// trace is written at the start and after each step.
+static Attribute **Descend (Window window, SequenceCursor *cursor, Attribute **place, const char *trace, uint16_t group,
+                            uint16_t element) {
+    if (trace) Log_Message (window, LOG_TRACE5, trace, group, element);
+    while (place && *place && (*place)->level < cursor->depth) {
+        place = DICOM_Attribute_Item_Slot (window, cursor, *place, 0);
+        if (trace) Log_Message (window, LOG_TRACE5, trace, group, element);
+    }
+    return place;
+}
+
+// --- finding ---------------------------------------------------------------
+
+static int Tag_Is (const Attribute *attribute, uint16_t group, uint16_t element) {
+    return (group == TAG_ANY || attribute->group == group) && (element == TAG_ANY || attribute->element == element);
+}
+
+Attribute *DICOM_Attribute_Get (Window window, SequenceCursor *cursor, Attribute *first, uint16_t group,
+                                uint16_t element, int) {
+    Attribute **place = Descend (window, cursor, &first, "in DICOM_Attribute_Get(%04x,%04x)", group, element);
+    if (!place || !*place) return nullptr;
+    if (group != TAG_ANY && element != TAG_ANY) return List_Find (*place, group, element);
+
+    Attribute *record = *place;
+    while (record && !Tag_Is (record, group, element)) record = record->next;
+    return record;
+}
+
+int DICOM_Attribute_Tag_Match (const char *pattern_group, const char *pattern_element, uint16_t group,
+                               uint16_t element) {
+    if (!pattern_group || !pattern_element) return 0;
+    char digits[5];
+    snprintf (digits, sizeof digits, "%04X", group);
+    if (!Text_Match (pattern_group, digits)) return 0;
+    snprintf (digits, sizeof digits, "%04X", element);
+    return Text_Match (pattern_element, digits);
+}
+
+// --- adding ----------------------------------------------------------------
+
+static void Trace_Insert (Window window, const Attribute *source) {
+    Log_Message (window, LOG_TRACE5, "in DICOM_Attribute_Insert(%04x,%04x) %c%c %d bytes", source->group,
+                 source->element, Code_First (source->vr_file, '-'), Code_Second (source->vr_file, '-'),
+                 source->length);
+}
+
+// Fills a new record, which the list at first has or will have behind its end.
+static Attribute *Insert_Filled (Window window, SequenceCursor *cursor, Attribute **place, Attribute *insert,
+                                 const Attribute *source) {
+    insert->group   = source->group;
+    insert->element = source->element;
+    if (*place) {
+        List_Append (*place, insert);
+    } else {
+        insert->last = insert;
+        *place       = insert;
+    }
+    if (DICOM_Attribute_Copy_Tag (window, cursor, place, insert, source)) return insert;
+    Log_Message (window, Sequence_Kind_Warning (cursor), WARNING_TEXT "Failed in DICOM_Attribute_Copy(%04x,%04x)",
+                 source->group, source->element);
+    return nullptr;
+}
+
+Attribute *DICOM_Attribute_Insert (Window window, SequenceCursor *cursor, Attribute **place, const Attribute *source,
+                                   int32_t level) {
+    for (;;) {
+        Trace_Insert (window, source);
+        if (!*place || (*place)->level >= cursor->depth) break;
+        place = DICOM_Attribute_Item_Slot (window, cursor, *place, 0);
+        level++;
+        if (!place) {
+            Log_Message (window, Sequence_Kind_Warning (cursor),
+                         "    " EMPHASIS COLOUR_YELLOW "Failed" COLOUR_BLACK " to insert tag(" COLOUR_BLUE
+                         "%04X" COLOUR_BLACK "," COLOUR_BLUE "%04X" COLOUR_BLACK ")", source->group, source->element);
+            return nullptr;
+        }
+    }
+
+    if (!*place && level < cursor->depth) {
+        Attribute *sequence = Sequence_New (window, cursor, level);
+        if (!sequence) return nullptr;
+        sequence->last = sequence;
+        *place         = sequence;
+        return DICOM_Attribute_Insert (window, cursor, &sequence->item[0], source, level + 1);
+    }
+    Attribute *insert = Record_New (window);
+    return insert ? Insert_Filled (window, cursor, place, insert, source) : nullptr;
+}
+
+// Puts a new record before the first one.
+static void List_Prepend (Attribute **place, Attribute *record) {
+    Attribute *former = *place;
+    record->next      = former;
+    record->last      = record;
+    if (former) record->unordered = former->unordered;
+    *place = record;
+}
+
+// Puts a new record behind previous, as tag order wants it.
+static void List_Link_Behind (Attribute *first, Attribute *previous, Attribute *record) {
+    record->next   = previous->next;
+    previous->next = record;
+    first->last    = record;
+    first->seek    = first->unordered ? nullptr : record;
+}
+
+Attribute *DICOM_Attribute_Find_Or_Insert (Window window, SequenceCursor *cursor, Attribute **place, uint16_t group,
+                                           uint16_t element) {
+    place = Descend (window, cursor, place, nullptr, group, element);
+    if (!place) return nullptr;
+    DICOM_Attribute_Sequence_Set (window, cursor, cursor->depth, group, element, 0);
+
+    Attribute *first    = *place;
+    Attribute *previous = nullptr;      // The last record that is not greater, or the first one.
+    if (first) {
+        previous = first->unordered ? first : List_Search_Start (first, group, element);
+        while (previous->next && Tag_Compare_To (previous->next, group, element) <= 0) previous = previous->next;
+        if (Tag_Compare_To (previous, group, element) == 0) return previous;
+    }
+
+    Attribute *insert = Record_New (window);
+    if (!insert) return nullptr;
+    insert->group   = group;
+    insert->element = element;
+    insert->level   = static_cast<uint8_t> (cursor->depth);
+    if (!first || (previous == first && Tag_Compare_To (first, group, element) > 0)) List_Prepend (place, insert);
+    else                                                                               List_Link_Behind (first, previous, insert);
+    return insert;
+}
+
+// --- changing --------------------------------------------------------------
+
+static void Set_Type_One (Window window, SequenceCursor *cursor, Attribute *reference_first, Attribute *record) {
+    Attribute *reference =
+        DICOM_Attribute_Get (window, cursor, reference_first, record->group, record->element, 0);
+    if (reference) {
+        record->type = reference->type;
+        if (!record->vr) record->vr = reference->vr;
+    }
+    // Below a sequence that the reference lacks nothing can be found, and looking would create it there.
+    if (!record->item || !reference || !reference->nb_item) return;
+
+    DICOM_Attribute_Sequence_Start (window, cursor, record->group, record->element, record->flags, LOG_TRACE5);
+    DICOM_Attribute_Item_Start (window, cursor, LOG_TRACE5);
+    for (int32_t i = 0; i < record->nb_item; i++)
+        if (record->item[i]) DICOM_Attribute_Set_Type (window, cursor, reference_first, record->item[i]);
+    DICOM_Attribute_Item_Stop (window, cursor, LOG_TRACE5);
+    DICOM_Attribute_Sequence_Stop (window, cursor, LOG_TRACE5);
+}
+
+void DICOM_Attribute_Set_Type (Window window, SequenceCursor *cursor, Attribute *reference_first,
+                               Attribute *list_first) {
+    for (Attribute *record = list_first; record; record = record->next)
+        Set_Type_One (window, cursor, reference_first, record);
+}
+
+// --- removing --------------------------------------------------------------
+
+static void Delete_In_Items (Window window, SequenceCursor *cursor, Attribute *record, uint16_t group,
+                             uint16_t element) {
+    DICOM_Attribute_Sequence_Start (window, cursor, record->group, record->element, record->flags, LOG_TRACE5);
+    for (int32_t i = 0; i < record->nb_item && record->item[i]; i++) {
+        DICOM_Attribute_Item_Start (window, cursor, LOG_TRACE5);
+        DICOM_Attribute_Delete (window, cursor, &record->item[i], group, element);
+        DICOM_Attribute_Item_Stop (window, cursor, LOG_TRACE5);
+    }
+    DICOM_Attribute_Sequence_Stop (window, cursor, LOG_TRACE5);
+}
+
+int DICOM_Attribute_Delete (Window window, SequenceCursor *cursor, Attribute **place, uint16_t group,
+                            uint16_t element) {
+    place = Descend (window, cursor, place, "in DICOM_Attribute_Delete(%04x,%04x)", group, element);
+    if (!place || !*place) return 0;
+
+    while (*place && Tag_Is (*place, group, element)) List_Remove (window, place, nullptr);
+    for (Attribute *previous = *place; previous && previous->next;) {
+        if (Tag_Is (previous->next, group, element)) List_Remove (window, place, previous);
+        else                                         previous = previous->next;
+    }
+    for (Attribute *record = *place; record; record = record->next)
+        if (record->item) Delete_In_Items (window, cursor, record, group, element);
+    return 1;
+}
+
+void DICOM_Attribute_Free (Window window, Attribute *attribute) {
+    if (!attribute) return;
+    Log_Message (window, LOG_TRACE5, "in DICOM_Attribute_Free(%04x,%04x)", attribute->group, attribute->element);
+    // Every slot, also behind an empty one: an item that lost all its attributes leaves an empty slot before full ones.
+    for (int32_t i = 0; i < attribute->nb_item; i++) {
+        for (Attribute *record = attribute->item[i]; record;) {
+            Attribute *next = record->next;
+            DICOM_Attribute_Free (window, record);
+            record = next;
+        }
+    }
+    Value_Release (attribute);
+    Memory_Free (attribute->item);
+    Memory_Free (attribute->description);
+    Memory_Free (attribute);
+}

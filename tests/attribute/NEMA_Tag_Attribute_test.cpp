@@ -1,0 +1,535 @@
+#include "attribute/NEMA_Tag_Attribute.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "attribute/value.h"
+#include "tests/support/lists.h"
+#include "tests/support/log_recorder.h"
+
+static const Settings warning_settings = {LOG_WARNING, LOG_REPORT, MODE_EXPLICIT, 0, nullptr, nullptr};
+
+static Attribute *Get (Test_List *list, uint16_t group, uint16_t element) {
+    return DICOM_Attribute_Get (nullptr, &list->cursor, list->first, group, element, 0);
+}
+
+static Attribute *Find (Test_List *list, uint16_t group, uint16_t element) {
+    return DICOM_Attribute_Find_Or_Insert (nullptr, &list->cursor, &list->first, group, element);
+}
+
+// --- finding ---------------------------------------------------------------
+
+TEST (NemaTagAttribute, WildcardsFindTheFirstRecord) {
+    Test_List list;
+    EXPECT_EQ (nullptr, Get (&list, TAG_ANY, TAG_ANY));
+    Attribute *first = list.Add (0x0008, 0x0016);
+    Attribute *name  = list.Add (0x0010, 0x0010);
+    list.Add (0x0010, 0x0020);
+    EXPECT_EQ (first, Get (&list, TAG_ANY, TAG_ANY));
+    EXPECT_EQ (name, Get (&list, 0x0010, TAG_ANY));
+    EXPECT_EQ (name, Get (&list, TAG_ANY, 0x0010));
+    EXPECT_EQ (nullptr, Get (&list, 0x0012, TAG_ANY));
+}
+
+TEST (NemaTagAttribute, OfEqualTagsTheFirstIsFoundWhateverWasSearchedBefore) {
+    Test_List  list;
+    Attribute *one = list.Add (0x0008, 0x0016);
+    Attribute *two = list.Add (0x0010, 0x0010);
+    list.Add (0x0010, 0x0010);
+    Attribute *last = list.Add (0x0020, 0x0010);
+    EXPECT_EQ (last, Get (&list, 0x0020, 0x0010));
+    EXPECT_EQ (two, Get (&list, 0x0010, 0x0010));
+    EXPECT_EQ (nullptr, Get (&list, 0x0010, 0x0011));
+    EXPECT_EQ (two, Get (&list, 0x0010, 0x0010));
+    EXPECT_EQ (one, Get (&list, 0x0008, 0x0016));
+    EXPECT_EQ (nullptr, Get (&list, 0x0030, 0x0000));
+    EXPECT_EQ (last, Get (&list, 0x0020, 0x0010));
+}
+
+TEST (NemaTagAttribute, AnUnorderedListIsSearchedWhole) {
+    Test_List  list;
+    Attribute *high = list.Add (0x0020, 0x0010);
+    Attribute *low  = list.Add (0x0008, 0x0016);
+    Attribute *mid  = list.Add (0x0010, 0x0010);
+    EXPECT_EQ (mid, Get (&list, 0x0010, 0x0010));
+    EXPECT_EQ (low, Get (&list, 0x0008, 0x0016));
+    EXPECT_EQ (high, Get (&list, 0x0020, 0x0010));
+    EXPECT_EQ (nullptr, Get (&list, 0x0009, 0x0010));
+}
+
+TEST (NemaTagAttribute, GettingInsideAMissingSequenceCreatesIt) {
+    Test_List list;
+    list.Add (0x0008, 0x0016);
+    DICOM_Attribute_Sequence_Start (nullptr, &list.cursor, 0x0040, 0xA730, PRIVATE, 0);
+    for (int i = 0; i < 3; i++) list.Item ();
+    EXPECT_EQ (nullptr, Get (&list, 0x0008, 0x0100));
+    list.Reset ();
+    Attribute *sequence = Get (&list, 0x0040, 0xA730);
+    ASSERT_NE (nullptr, sequence);
+    EXPECT_EQ (VR_SQ, sequence->vr_file);
+    EXPECT_EQ (VR_SQ, sequence->vr);
+    EXPECT_EQ (PRIVATE, sequence->flags);
+    EXPECT_EQ (0, sequence->level);
+    EXPECT_EQ (1, sequence->nb_item);
+    EXPECT_EQ (sequence, list.first->last);
+}
+
+TEST (NemaTagAttribute, GettingInsideItemThreeGrowsTheItems) {
+    Test_List list;
+    list.Add (0x0040, 0xA730, "SQ");
+    list.Open (0x0040, 0xA730);
+    list.Item ();
+    list.Add (0x0008, 0x0100, "SH", "A ");
+    list.Item ();
+    list.Item ();
+    EXPECT_EQ (nullptr, Get (&list, 0x0008, 0x0100));
+    EXPECT_EQ ("(0040,A730)[(0008,0100)][][]", Outline (list.first));
+}
+
+TEST (NemaTagAttribute, AnItemIndexBelowZeroIsTheFirstItem) {
+    Test_List list;
+    list.Add (0x0040, 0xA730, "SQ");
+    list.Open (0x0040, 0xA730);
+    Attribute *inside = list.Add (0x0008, 0x0100, "SH", "A ");      // no item was started
+    EXPECT_EQ (inside, list.first->item[0]);
+    EXPECT_EQ (inside, Get (&list, 0x0008, 0x0100));
+}
+
+TEST (NemaTagAttribute, TheSlotOfAListThatIsDeepEnoughIsNone) {
+    Test_List list;
+    list.Add (0x0008, 0x0016);
+    EXPECT_EQ (nullptr, DICOM_Attribute_Item_Slot (nullptr, &list.cursor, list.first, 0));
+}
+
+TEST (NemaTagAttribute, ItemsOfASecondSequenceOfTheSameTagJoinTheFirst) {
+    Test_List list;
+    list.Add (0x0040, 0xA730, "SQ");
+    list.Add (0x0040, 0xA730, "SQ");
+    list.Open (0x0040, 0xA730);
+    list.Item ();
+    list.Add (0x0008, 0x0100);
+    EXPECT_EQ ("(0040,A730)[(0008,0100)] (0040,A730)", Outline (list.first));
+}
+
+TEST (NemaTagAttribute, PatternsMatchUpperCaseDigits) {
+    EXPECT_EQ (1, DICOM_Attribute_Tag_Match ("0008", "00*", 0x0008, 0x0012));
+    EXPECT_EQ (1, DICOM_Attribute_Tag_Match ("7FE0", "0?10", 0x7FE0, 0x0010));
+    EXPECT_EQ (0, DICOM_Attribute_Tag_Match ("7fe0", "0010", 0x7FE0, 0x0010));
+    EXPECT_EQ (0, DICOM_Attribute_Tag_Match ("0008", "0012", 0x0008, 0x0013));
+    EXPECT_EQ (0, DICOM_Attribute_Tag_Match (nullptr, "*", 0x0008, 0x0012));
+    EXPECT_EQ (0, DICOM_Attribute_Tag_Match ("*", nullptr, 0x0008, 0x0012));
+}
+
+// --- inserting -------------------------------------------------------------
+
+TEST (NemaTagAttribute, InsertAppendsInReadingOrder) {
+    Test_List  list;
+    Attribute *one = list.Add (0x0010, 0x0010, "PN", "Doe^John");
+    Attribute *two = list.Add (0x0008, 0x0016, "UI", "1.2 ");
+    EXPECT_EQ ("(0010,0010) (0008,0016)", Outline (list.first));
+    EXPECT_EQ (one, list.first);
+    EXPECT_EQ (two, list.first->last);
+    EXPECT_EQ ("Doe^John", Value (one));
+    EXPECT_EQ (VR_PN, one->vr_file);
+    EXPECT_EQ (ORIGIN_DICOM, one->flags);
+    EXPECT_EQ (0, one->level);
+    EXPECT_EQ (nullptr, two->next);
+}
+
+TEST (NemaTagAttribute, InsertGoesOnAtTheTrueEndWhenLastDoesNotNameIt) {
+    Test_List list;
+    list.Add (0x0020, 0x0010);
+    list.Add (0x0028, 0x0010);
+    ASSERT_NE (nullptr, Find (&list, 0x0008, 0x0016));     // becomes the first record and its own last
+    EXPECT_EQ (list.first, list.first->last);
+    list.Add (0x7FE0, 0x0010);
+    EXPECT_EQ ("(0008,0016) (0020,0010) (0028,0010) (7FE0,0010)", Outline (list.first));
+    ASSERT_NE (nullptr, Find (&list, 0x0020, 0x0011));     // last names a record in the middle
+    list.Add (0x7FE1, 0x0010);
+    EXPECT_EQ ("(0008,0016) (0020,0010) (0020,0011) (0028,0010) (7FE0,0010) (7FE1,0010)", Outline (list.first));
+}
+
+TEST (NemaTagAttribute, ARecordWithoutLastIsWalkedToItsEnd) {
+    Test_List list;
+    list.Add (0x0008, 0x0016);
+    list.Add (0x0008, 0x0018);
+    list.first->last = nullptr;
+    list.Add (0x0010, 0x0010);
+    EXPECT_EQ ("(0008,0016) (0008,0018) (0010,0010)", Outline (list.first));
+}
+
+TEST (NemaTagAttribute, InsertIntoAnEmptyDeepPlaceCreatesTheSequencesOnTheWay) {
+    Test_List list;
+    list.Open (0x0040, 0xA730);
+    list.Item ();
+    list.Open (0x0040, 0xA043);
+    list.Item ();
+    Attribute *deep = list.Add (0x0008, 0x0100, "SH", "A ");
+    EXPECT_EQ ("(0040,A730)[(0040,A043)[(0008,0100)]]", Outline (list.first));
+    EXPECT_EQ (2, deep->level);
+    EXPECT_EQ (list.first, list.first->last);
+    EXPECT_EQ (1, list.first->item[0]->level);
+    EXPECT_EQ (VR_SQ, list.first->item[0]->vr);
+}
+
+TEST (NemaTagAttribute, TracesNameTheTagAtEntryAndAfterEachStep) {
+    Test_List list;
+    list.Add (0x0040, 0xA730, "SQ");
+    list.Open (0x0040, 0xA730);
+    list.Item ();
+    Log_Recorder log (5);
+    list.Add (0x0008, 0x0100, "SH", "ABCD");
+    EXPECT_EQ (2, log.Count (LOG_TRACE5, "in DICOM_Attribute_Insert(0008,0100) SH 4 bytes"));
+    EXPECT_EQ (1, log.Count (LOG_TRACE4, "in DICOM_Attribute_Copy_Tag(0008,0100)"));
+    log.Clear ();
+    Get (&list, 0x0008, 0x0100);
+    EXPECT_EQ (2, log.Count (LOG_TRACE5, "in DICOM_Attribute_Get(0008,0100)"));
+    EXPECT_EQ (1, log.Count (LOG_TRACE5, "in DICOM_Attribute_Sequence_End(depth:1)"));
+    log.Clear ();
+    DICOM_Attribute_Delete (nullptr, &list.cursor, &list.first, 0x0008, 0x0100);
+    EXPECT_EQ (2, log.Count (LOG_TRACE5, "in DICOM_Attribute_Delete(0008,0100)"));
+    EXPECT_EQ (1, log.Count (LOG_TRACE5, "in DICOM_Attribute_Free(0008,0100)"));
+    list.Reset ();
+    log.Clear ();
+    list.Add (0x0050, 0x0004);
+    EXPECT_EQ (1, log.Count (LOG_TRACE5, "in DICOM_Attribute_Insert(0050,0004) -- 0 bytes"));
+}
+
+// --- ordered placement -----------------------------------------------------
+
+TEST (NemaTagAttribute, FindOrInsertKeepsTagOrder) {
+    Test_List list;
+    list.Add (0x0008, 0x0016);
+    list.Add (0x0008, 0x0030);
+    Attribute *middle = Find (&list, 0x0008, 0x0020);
+    ASSERT_NE (nullptr, middle);
+    EXPECT_EQ ("(0008,0016) (0008,0020) (0008,0030)", Outline (list.first));
+    EXPECT_EQ (middle, list.first->last);
+    EXPECT_EQ (middle, Find (&list, 0x0008, 0x0020));
+    EXPECT_EQ ("(0008,0016) (0008,0020) (0008,0030)", Outline (list.first));
+    EXPECT_EQ (0, middle->flags + middle->vr + middle->length);
+}
+
+TEST (NemaTagAttribute, FindOrInsertMayBecomeTheFirstRecord) {
+    Test_List list;
+    list.Add (0x0010, 0x0010);
+    Attribute *front = Find (&list, 0x0008, 0x0016);
+    EXPECT_EQ (front, list.first);
+    EXPECT_EQ (front, front->last);
+    EXPECT_EQ ("(0008,0016) (0010,0010)", Outline (list.first));
+}
+
+TEST (NemaTagAttribute, FindOrInsertIntoNothingAndIntoAnEmptyItem) {
+    Test_List list;
+    ASSERT_NE (nullptr, Find (&list, 0x0040, 0xA730));
+    EXPECT_EQ (list.first, list.first->last);
+    list.Open (0x0040, 0xA730);
+    list.Item ();
+    Attribute *inside = Find (&list, 0x0008, 0x0100);
+    ASSERT_NE (nullptr, inside);
+    EXPECT_EQ (1, inside->level);
+    EXPECT_EQ ("(0040,A730)[(0008,0100)]", Outline (list.first));
+}
+
+TEST (NemaTagAttribute, FindOrInsertReturnsTheLastOfEqualTags) {
+    Test_List list;
+    list.Add (0x0008, 0x0016);
+    list.Add (0x0008, 0x0016);
+    Attribute *last = list.Add (0x0008, 0x0016);
+    list.Add (0x0010, 0x0010);
+    EXPECT_EQ (last, Find (&list, 0x0008, 0x0016));
+    EXPECT_EQ (last, Find (&list, 0x0008, 0x0016));
+}
+
+TEST (NemaTagAttribute, FindOrInsertWalksAnUnorderedListFromItsStart) {
+    Test_List list;
+    list.Add (0x0008, 0x0016);
+    list.Add (0x0020, 0x0010);
+    Attribute *late = list.Add (0x0010, 0x0010);
+    EXPECT_EQ (late, Get (&list, 0x0010, 0x0010));
+    Attribute *early = Find (&list, 0x0010, 0x0010);   // stops before (0020,0010)
+    EXPECT_NE (late, early);
+    EXPECT_EQ ("(0008,0016) (0010,0010) (0020,0010) (0010,0010)", Outline (list.first));
+    EXPECT_EQ (early, Get (&list, 0x0010, 0x0010));
+}
+
+TEST (NemaTagAttribute, FindOrInsertRecordsTheTagOnTheCursor) {
+    Test_List list;
+    DICOM_Attribute_Sequence_Set (nullptr, &list.cursor, 0, 1, 1, 1);
+    Find (&list, 0x0008, 0x0016);
+    EXPECT_EQ (0x0008, list.cursor.group[0]);
+    EXPECT_EQ (0x0016, list.cursor.element[0]);
+    EXPECT_EQ (0, list.cursor.flags[0]);
+}
+
+TEST (NemaTagAttribute, OrderedPlacementInAnyOrderGivesASortedList) {
+    Test_List list;
+    uint32_t  seed = 12345;
+    for (int i = 0; i < 500; i++) {
+        seed = seed * 1664525 + 1013904223;
+        ASSERT_NE (nullptr, Find (&list, static_cast<uint16_t> (seed >> 28), static_cast<uint16_t> (seed >> 20 & 0x3F)));
+        if (i % 7 == 0) Get (&list, static_cast<uint16_t> (seed >> 27 & 0xF), 0x10);
+    }
+    for (Attribute *record = list.first; record->next; record = record->next)
+        ASSERT_LT (Tag_Compare (record->group, record->element, record->next->group, record->next->element), 0);
+}
+
+// --- deleting --------------------------------------------------------------
+
+static void Fill_Nested (Test_List *list) {
+    list->Add (0x0008, 0x0016);
+    list->Add (0x0040, 0xA730, "SQ");
+    list->Open (0x0040, 0xA730);
+    for (int i = 0; i < 2; i++) {
+        list->Item ();
+        list->Add (0xFFFE, 0xE000);
+        list->Add (0x0008, 0x0100);
+        list->Add (0x0008, 0x0100);
+        list->Add (0xFFFE, 0xE00D);
+    }
+    list->Close ();
+    list->Add (0xFFFE, 0xE0DD);
+    list->Add (0x0008, 0x0100);
+}
+
+TEST (NemaTagAttribute, DeleteRemovesAtEveryDepth) {
+    Test_List list;
+    Fill_Nested (&list);
+    EXPECT_EQ (1, DICOM_Attribute_Delete (nullptr, &list.cursor, &list.first, GROUP_DELIMITER, TAG_ANY));
+    EXPECT_EQ ("(0008,0016) (0040,A730)[(0008,0100) (0008,0100)][(0008,0100) (0008,0100)] (0008,0100)",
+               Outline (list.first));
+    EXPECT_EQ (1, DICOM_Attribute_Delete (nullptr, &list.cursor, &list.first, 0x0008, 0x0100));
+    EXPECT_EQ ("(0008,0016) (0040,A730)[][]", Outline (list.first));
+    list.Add (0x0050, 0x0004);
+    EXPECT_EQ ("(0008,0016) (0040,A730)[][] (0050,0004)", Outline (list.first));
+}
+
+TEST (NemaTagAttribute, DeletingEverythingEmptiesTheListAndItsItems) {
+    long before = Memory_Live ();
+    {
+        Test_List list;
+        Fill_Nested (&list);
+        EXPECT_EQ (1, DICOM_Attribute_Delete (nullptr, &list.cursor, &list.first, TAG_ANY, TAG_ANY));
+        EXPECT_EQ (nullptr, list.first);
+        EXPECT_EQ (0, DICOM_Attribute_Delete (nullptr, &list.cursor, &list.first, TAG_ANY, TAG_ANY));
+        EXPECT_EQ (0, DICOM_Attribute_Delete (nullptr, &list.cursor, nullptr, TAG_ANY, TAG_ANY));
+        EXPECT_EQ (0, list.cursor.depth);
+    }
+    EXPECT_EQ (before, Memory_Live ());
+}
+
+TEST (NemaTagAttribute, DeletingTheFirstKeepsLastValid) {
+    Test_List list;
+    list.Add (0x0008, 0x0016);
+    list.Add (0x0010, 0x0010);
+    Attribute *last = list.Add (0x0020, 0x0010);
+    Get (&list, 0x0020, 0x0010);
+    DICOM_Attribute_Delete (nullptr, &list.cursor, &list.first, 0x0008, 0x0016);
+    EXPECT_EQ (last, list.first->last);
+    DICOM_Attribute_Delete (nullptr, &list.cursor, &list.first, 0x0020, 0x0010);
+    EXPECT_EQ (list.first, list.first->last);
+    EXPECT_EQ (nullptr, Get (&list, 0x0020, 0x0010));
+    list.Add (0x0030, 0x0010);
+    EXPECT_EQ ("(0010,0010) (0030,0010)", Outline (list.first));
+}
+
+TEST (NemaTagAttribute, ItemsBehindAnEmptySlotAreReleasedToo) {
+    long before = Memory_Live ();
+    {
+        Test_List list;
+        list.Add (0x0040, 0xA730, "SQ");
+        list.Open (0x0040, 0xA730);
+        list.Item ();
+        list.Item ();
+        list.Add (0x0008, 0x0100, "SH", "A ");
+        EXPECT_EQ ("(0040,A730)[][(0008,0100)]", Outline (list.first));
+    }
+    EXPECT_EQ (before, Memory_Live ());
+}
+
+TEST (NemaTagAttribute, FreeingNothingIsAllowed) {
+    Log_Recorder log (5);
+    DICOM_Attribute_Free (nullptr, nullptr);
+    EXPECT_EQ (0u, log.lines.size ());
+}
+
+// --- types -----------------------------------------------------------------
+
+TEST (NemaTagAttribute, TypesComeFromTheReferenceAtEveryDepth) {
+    Test_List reference, list;
+    for (Test_List *one : {&reference, &list}) {
+        one->Add (0x0008, 0x0016);
+        one->Add (0x0040, 0xA730);
+        one->Open (0x0040, 0xA730);
+        one->Item ();
+        one->Add (0x0008, 0x0100);
+        if (one == &list) {
+            one->Item ();
+            one->Add (0x0008, 0x0100, "", "x ");
+        }
+        one->Close ();
+        one->Reset ();
+    }
+    reference.first->type               = Code ('1', ' ');
+    reference.first->vr                 = VR_UI;
+    reference.first->next->item[0]->type = Code ('2', 'C');
+    reference.first->next->item[0]->vr   = VR_SH;
+    list.first->next->item[1]->vr        = VR_LO;
+    DICOM_Attribute_Set_Type (nullptr, &list.cursor, reference.first, list.first);
+    EXPECT_EQ (Code ('1', ' '), list.first->type);
+    EXPECT_EQ (VR_UI, list.first->vr);
+    EXPECT_EQ (Code ('2', 'C'), list.first->next->item[0]->type);
+    EXPECT_EQ (Code ('2', 'C'), list.first->next->item[1]->type);
+    EXPECT_EQ (VR_SH, list.first->next->item[0]->vr);
+    EXPECT_EQ (VR_LO, list.first->next->item[1]->vr);
+    EXPECT_EQ (0, list.cursor.depth);
+}
+
+TEST (NemaTagAttribute, SettingTypesCreatesNothingInTheReference) {
+    Test_List reference, list;
+    reference.Add (0x0008, 0x0016);
+    reference.Add (0x0008, 0x1140, "SQ");
+    std::string before = Outline (reference.first);
+    for (uint16_t element : {0x1140, 0x2112}) {
+        list.Add (0x0008, element, "SQ");
+        list.Open (0x0008, element);
+        list.Item ();
+        list.Add (0x0008, 0x1150);
+        list.Close ();
+    }
+    DICOM_Attribute_Set_Type (nullptr, &list.cursor, reference.first, list.first);
+    EXPECT_EQ (before, Outline (reference.first));
+}
+
+// --- memory ----------------------------------------------------------------
+
+// Navigation, insertion and copying with the n-th allocation failing: reported, nothing lost, list usable.
+TEST (NemaTagAttribute, EveryFailedAllocationIsReportedAndLeavesTheListUsable) {
+    int failures = 0;
+    for (long n = 1;; n++) {
+        long before = Memory_Live ();
+        bool failed;
+        {
+            Log_Recorder log;
+            Test_List    list (&warning_settings);
+            Attribute    source = Record (0x0008, 0x0100, "SH", "ABCD");
+            Memory_Fail_At (n);
+            list.Open (0x0040, 0xA730);
+            list.Item ();
+            Attribute *one = DICOM_Attribute_Insert (nullptr, &list.cursor, &list.first, &source, 0);
+            for (int i = 0; i < 4; i++) list.Item ();
+            Attribute *two = DICOM_Attribute_Insert (nullptr, &list.cursor, &list.first, &source, 0);
+            list.Open (0x0040, 0xA043);
+            list.Item ();
+            Attribute *three = DICOM_Attribute_Insert (nullptr, &list.cursor, &list.first, &source, 0);
+            list.Reset ();
+            Attribute *four = Find (&list, 0x0010, 0x0010);
+            failed          = Memory_Failed ();
+            Memory_Fail_At (0);
+            EXPECT_EQ (failed, !one || !two || !three || !four) << n;
+            EXPECT_EQ (failed, log.Count (LOG_ERROR, "memory error in ") == 1) << n;
+            EXPECT_EQ (failed, log.Contains (" of NEMA_Tag_Attribute ")) << n;
+            list.Add (0x0020, 0x0010);
+            EXPECT_NE (std::string::npos, Outline (list.first).find ("(0020,0010)"));
+            Value_Release (&source);
+        }
+        EXPECT_EQ (before, Memory_Live ()) << n;
+        if (!failed) break;
+        failures++;
+    }
+    EXPECT_GE (failures, 7);
+}
+
+TEST (NemaTagAttribute, AFailedItemSlotIsWarnedAboutWithTheTag) {
+    Log_Recorder log;
+    Test_List    list (&warning_settings);
+    list.Add (0x0040, 0xA730, "SQ");
+    list.Open (0x0040, 0xA730);
+    list.Item ();
+    Attribute source = Record (0x000A, 0x01AF, "SH");
+    Memory_Fail_At (1);
+    EXPECT_EQ (nullptr, DICOM_Attribute_Insert (nullptr, &list.cursor, &list.first, &source, 0));
+    EXPECT_TRUE (log.Contains ("of NEMA_Tag_Attribute \nmemory error in realloc (var=pt->item, dim=1x8)"));
+    EXPECT_TRUE (log.Has (LOG_WARNING, "    \xF1\x05" "Failed\x02 to insert tag(\x01" "000A\x02,\x01" "01AF\x02)"));
+}
+
+TEST (NemaTagAttribute, TheRecordAndItsItemsAreNamedInTheMessages) {
+    Log_Recorder log;
+    Test_List    list (&warning_settings);
+    Memory_Fail_At (1);
+    EXPECT_EQ (nullptr, Find (&list, 0x0008, 0x0016));
+    EXPECT_TRUE (log.Contains ("memory error in calloc (var=insert, dim=1x96)"));
+    log.Clear ();
+    list.Open (0x0040, 0xA730);
+    Attribute source = Record (0x0008, 0x0016);
+    Memory_Fail_At (2);
+    EXPECT_EQ (nullptr, DICOM_Attribute_Insert (nullptr, &list.cursor, &list.first, &source, 0));
+    EXPECT_TRUE (log.Contains ("memory error in calloc (var=insert->item, dim=1x8)"));
+    EXPECT_EQ (nullptr, list.first);
+}
+
+// --- cost ------------------------------------------------------------------
+
+static double Seconds (void (*work) (int), int size) {
+    auto start = std::chrono::steady_clock::now ();
+    work (size);
+    return std::chrono::duration<double> (std::chrono::steady_clock::now () - start).count ();
+}
+
+// Ten times the records may cost at most forty times the time: a quadratic walk costs a hundred times. The best of three
+// takes the machine's other work out.
+static void Expect_Linear (void (*work) (int), int size) {
+    double small = 1e9, large = 1e9;
+    for (int i = 0; i < 3; i++) {
+        small = std::min (small, Seconds (work, size));
+        large = std::min (large, Seconds (work, size * 10));
+    }
+    EXPECT_LT (large, small * 40 + 0.01);
+}
+
+TEST (NemaTagAttribute, ManyItemsCostLinearTime) {
+    Expect_Linear (
+        [] (int size) {
+            Test_List list;
+            list.Add (0x0040, 0xA730, "SQ");
+            list.Open (0x0040, 0xA730);
+            for (int i = 0; i < size; i++) {
+                list.Item ();
+                list.Add (0x0008, 0x0100);
+            }
+        },
+        3000);
+}
+
+TEST (NemaTagAttribute, ManySequencesInOrderCostLinearTime) {
+    Expect_Linear (
+        [] (int size) {
+            Test_List list;
+            for (int i = 0; i < size; i++) {
+                uint16_t group = static_cast<uint16_t> (0x0040 + (i >> 12)), element = static_cast<uint16_t> (i & 0xFFF);
+                list.Add (group, element, "SQ");
+                list.Open (group, element);
+                list.Item ();
+                list.Add (0x0008, 0x0100);
+                list.Close ();
+            }
+        },
+        3000);
+}
+
+TEST (NemaTagAttribute, OrderedPlacementUpAndDownCostsLinearTime) {
+    for (int down : {0, 1}) {
+        static int descending;
+        descending = down;
+        Expect_Linear (
+            [] (int size) {
+                Test_List list;
+                for (int i = 0; i < size; i++) {
+                    int n = descending ? size - i : i;
+                    Find (&list, static_cast<uint16_t> (n >> 8), static_cast<uint16_t> (n & 0xFF));
+                }
+            },
+            3000);
+    }
+}

@@ -391,7 +391,7 @@ TEST (NemaTagAttribute, SettingTypesCreatesNothingInTheReference) {
     reference.Add (0x0008, 0x0016);
     reference.Add (0x0008, 0x1140, "SQ");
     std::string before = Outline (reference.first);
-    for (uint16_t element : {0x1140, 0x2112}) {
+    for (uint16_t element : {uint16_t (0x1140), uint16_t (0x2112)}) {
         list.Add (0x0008, element, "SQ");
         list.Open (0x0008, element);
         list.Item ();

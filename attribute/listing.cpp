@@ -1,5 +1,6 @@
 // The "Stool" listing. A line is columns of fixed width under one heading, with display codes between them that files
-// and console drop. Values are shown as far as a line is of use to a reader: every VR has its form and a number of bytes.
+// and console drop. Values are shown as far as a line is of use to a reader: every VR has its form and a number of
+// bytes.
 #include "attribute/listing.h"
 
 #include <stdio.h>
@@ -270,8 +271,8 @@ void DICOM_Attribute_List_Line (Window window, SequenceCursor *cursor, Attribute
     Description_Text (attribute, description);
 
     Log_Message (window, kind,
-                 "%*s(%s%04x" COLOUR_BLACK ",%s%04x" COLOUR_BLACK ") " EMPHASIS "%s%-10s" EMPHASIS_END " %s%c%-40s" COLOUR_BLACK
-                 " (%s%c%c%s,%c%c,%-4d) %s",
+                 "%*s(%s%04x" COLOUR_BLACK ",%s%04x" COLOUR_BLACK ") " EMPHASIS "%s%-10s" EMPHASIS_END " %s%c%-40s"
+                 COLOUR_BLACK " (%s%c%c%s,%c%c,%-4d) %s",
                  4 * DICOM_Attribute_Sequence_Depth (window, cursor), "",
                  tag_colour, attribute->group, tag_colour, attribute->element,
                  origin->colour, origin->label,

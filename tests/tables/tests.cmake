@@ -1,1 +1,1 @@
-# tagwright_test (tables NAME_test.cpp ...)
+tagwright_test (tables data_dictionary_test.cpp dictionary_lines_test.cpp uid_names_test.cpp)

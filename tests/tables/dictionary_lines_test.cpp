@@ -17,7 +17,7 @@ static const int LINE_COUNT = 5114;
 
 struct Source_File {
     std::string              name;
-    std::vector<std::string> lines;     // Without quotes.
+    std::vector<std::string> lines; // Without quotes.
 };
 
 // The files of the folder, ascending by name, which is their order by group.
@@ -85,7 +85,8 @@ TEST_F (DictionaryLines, TagsAscend) {
 }
 
 TEST_F (DictionaryLines, EveryLineIsFoundAgain) {
-    const std::regex form ("\\((.{4}),(.{4})\\) (.*?) +(?:([A-Z]{2}) ([0-9n-]+)|((?:(?:or)?\\([A-Z]{2} [0-9n-]+\\)){2,3}))( RET)?");
+    const std::regex form (
+        "\\((.{4}),(.{4})\\) (.*?) +(?:([A-Z]{2}) ([0-9n-]+)|((?:(?:or)?\\([A-Z]{2} [0-9n-]+\\)){2,3}))( RET)?");
     const std::regex pair ("\\((..) ([^)]+)\\)");
 
     for (const std::string &line : All_Lines ()) {
@@ -101,8 +102,9 @@ TEST_F (DictionaryLines, EveryLineIsFoundAgain) {
         for (std::sregex_iterator i (several.begin (), several.end (), pair), end; i != end; ++i)
             pairs.push_back ({(*i)[1], (*i)[2]});
 
-        const Dictionary_Entry *entry = Dictionary_Lookup (nullptr, static_cast<uint16_t> (std::stoi (group, nullptr, 16)),
-                                                           static_cast<uint16_t> (std::stoi (element, nullptr, 16)));
+        const Dictionary_Entry *entry =
+            Dictionary_Lookup (nullptr, static_cast<uint16_t> (std::stoi (group, nullptr, 16)),
+                               static_cast<uint16_t> (std::stoi (element, nullptr, 16)));
         ASSERT_NE (nullptr, entry) << line;
         EXPECT_EQ (std::stoi (group, nullptr, 16), entry->group) << line;
         EXPECT_EQ (std::stoi (element, nullptr, 16), entry->element) << line;
@@ -112,9 +114,7 @@ TEST_F (DictionaryLines, EveryLineIsFoundAgain) {
             const std::string &vm   = pairs[i].second;
             size_t             dash = vm.find ('-');
             int                low  = std::stoi (vm);
-            int                high = dash == std::string::npos ? low
-                                      : vm.back () == 'n'       ? 0xFFFF
-                                                                : std::stoi (vm.substr (dash + 1));
+            int high = dash == std::string::npos ? low : vm.back () == 'n' ? 0xFFFF : std::stoi (vm.substr (dash + 1));
             EXPECT_EQ (Code (pairs[i].first[0], pairs[i].first[1]), entry->vr[i]) << line;
             EXPECT_EQ (low, entry->vm[i].minimum) << line;
             EXPECT_EQ (high, entry->vm[i].maximum) << line;

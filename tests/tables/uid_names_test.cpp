@@ -18,16 +18,15 @@ TEST (UidNames, OwnNamesAreSpeltAsTheProgramHasThem) {
 
 TEST (UidNames, PairsOfTransferSyntaxesShareAName) {
     static const char *const pairs[][3] = {
-        {"1.2.840.10008.1.2.4.51", "1.2.840.10008.1.2.4.52", "JPEG extended"                   },
-        {"1.2.840.10008.1.2.4.53", "1.2.840.10008.1.2.4.54", "JPEG spect. select. NH"          },
-        {"1.2.840.10008.1.2.4.55", "1.2.840.10008.1.2.4.56", "JPEG full progression NH"        },
-        {"1.2.840.10008.1.2.4.57", "1.2.840.10008.1.2.4.58", "JPEG lossless NH"                },
-        {"1.2.840.10008.1.2.4.59", "1.2.840.10008.1.2.4.60", "JPEG extended NH"                },
-        {"1.2.840.10008.1.2.4.61", "1.2.840.10008.1.2.4.62", "JPEG spect. select. H"           },
-        {"1.2.840.10008.1.2.4.63", "1.2.840.10008.1.2.4.64", "JPEG full progression H"         },
-        {"1.2.840.10008.1.2.4.65", "1.2.840.10008.1.2.4.66", "JPEG lossless H"                 },
-        {"1.2.840.10008.1.2.4.70", "1.2.840.10008.1.2.4.70", "JPEG lossless NH, first order prediction"}
-    };
+        {"1.2.840.10008.1.2.4.51", "1.2.840.10008.1.2.4.52", "JPEG extended"},
+        {"1.2.840.10008.1.2.4.53", "1.2.840.10008.1.2.4.54", "JPEG spect. select. NH"},
+        {"1.2.840.10008.1.2.4.55", "1.2.840.10008.1.2.4.56", "JPEG full progression NH"},
+        {"1.2.840.10008.1.2.4.57", "1.2.840.10008.1.2.4.58", "JPEG lossless NH"},
+        {"1.2.840.10008.1.2.4.59", "1.2.840.10008.1.2.4.60", "JPEG extended NH"},
+        {"1.2.840.10008.1.2.4.61", "1.2.840.10008.1.2.4.62", "JPEG spect. select. H"},
+        {"1.2.840.10008.1.2.4.63", "1.2.840.10008.1.2.4.64", "JPEG full progression H"},
+        {"1.2.840.10008.1.2.4.65", "1.2.840.10008.1.2.4.66", "JPEG lossless H"},
+        {"1.2.840.10008.1.2.4.70", "1.2.840.10008.1.2.4.70", "JPEG lossless NH, first order prediction"}};
     for (const auto &pair : pairs) {
         std::string name = std::string ("UID Exlicit VR, Little Endian, Compression: ") + pair[2];
         EXPECT_STREQ (name.c_str (), UID_Name (pair[0]));

@@ -27,13 +27,15 @@ int System_Install_Path (char *, size_t) {
 }
 
 int System_User_Data_Path (char *result, size_t size) {
-    if (size < 2 || size > MAXDWORD) return 0;
-    DWORD length = GetEnvironmentVariableA ("APPDATA", result, (DWORD)size);
-    if (!length || length >= size) return 0; // When it doesn't fit, the length is the size that would.
-    if (System_Is_Separator (result[length - 1])) return 1;
-    if (length + 1 >= size) return 0;
-    result[length]     = System_Separator ();
-    result[length + 1] = 0;
+    const char *path   = getenv ("APPDATA");
+    size_t      length = path ? strlen (path) : 0;
+
+    if (!length) return 0;
+    int ends = System_Is_Separator (path[length - 1]);
+    if (length + (ends ? 1 : 2) > size) return 0;
+    memcpy (result, path, length);
+    if (!ends) result[length++] = System_Separator ();
+    result[length] = 0;
     return 1;
 }
 
@@ -233,6 +235,28 @@ void System_Processor_Get (System_Processor *processor) {
 
 // --- console ---------------------------------------------------------------
 
+// Makes standard output write to the console. A stream that had nowhere to write at the start can't be opened anew in
+// every C library; it is then replaced by one that was opened for the console.
+static int Output_To_Console (void) {
+    if (!freopen ("CONOUT$", "w", stdout)) {
+        FILE *opened = fopen ("CONOUT$", "w");
+        if (!opened) return 0;
+        *stdout = *opened;
+    }
+    return 1;
+}
+
+// A console is made by another process, which may fail (there is no desktop) after the call that asked for it went well.
+static int Console_Answers (void) {
+    HANDLE console = CreateFileA ("CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                  OPEN_EXISTING, 0, nullptr);
+    DWORD  mode;
+    if (console == INVALID_HANDLE_VALUE) return 0;
+    int answers = GetConsoleMode (console, &mode) != 0;
+    CloseHandle (console);
+    return answers;
+}
+
 // A windowed program has no console unless it makes one. It may have been given something to write to all the same (a
 // pipe, a file, the console of whoever redirected it): that is kept, so that the output of a batch run can be redirected.
 int System_Console_Open (void) {
@@ -241,7 +265,7 @@ int System_Console_Open (void) {
 
     if (!kept) {
         AllocConsole (); // Fails when there is one already, which then serves.
-        if (!freopen ("CONOUT$", "w", stdout)) return 0;
+        if (!Console_Answers () || !Output_To_Console ()) return 0;
     }
     return !setvbuf (stdout, nullptr, _IONBF, 0);
 }

@@ -1,1 +1,1 @@
-# tagwright_test (util NAME_test.cpp ...)
+tagwright_test (util my_error_fct_test.cpp)

@@ -24,7 +24,7 @@ struct Listing_Text {
     size_t  used;
 };
 
-static void Append (Listing_Text *out, const char *piece, size_t size) {
+static void Append_Bytes (Listing_Text *out, const char *piece, size_t size) {
     size_t room = LISTING_TEXT_SIZE - 1 - out->used;
     if (size > room) size = room;
     memcpy (out->text + out->used, piece, size);
@@ -32,7 +32,7 @@ static void Append (Listing_Text *out, const char *piece, size_t size) {
     out->text[out->used] = 0;
 }
 
-static void Append (Listing_Text *out, const char *piece) { Append (out, piece, strlen (piece)); }
+static void Append (Listing_Text *out, const char *piece) { Append_Bytes (out, piece, strlen (piece)); }
 
 // One value, as text. A 64-bit number in full has up to 317 characters.
 static const size_t PIECE_SIZE = 352;
@@ -76,6 +76,7 @@ struct Value_Form {
     Piece_Text  piece;
 };
 
+// clang-format off
 static const Value_Form value_forms[] = {
     {VR_OW, 64,  2, " ",   Word_Text    },
     {VR_FL, 64,  4, " / ", Float_Text   },
@@ -88,6 +89,7 @@ static const Value_Form value_forms[] = {
     {VR_UL, 64,  4, " / ", Long_Text    },
     {0,     16,  1, " ",   Byte_Text    }   // Any other.
 };
+// clang-format on
 
 static const Value_Form *Form_Of (uint16_t vr) {
     const Value_Form *form = value_forms;
@@ -117,7 +119,7 @@ static void Values_Text (const Attribute *attribute, const Value_Form *form, Lis
 
 static void Characters_Text (const Attribute *attribute, int count, Listing_Text *out) {
     const char *text = reinterpret_cast<const char *> (attribute->data);
-    Append (out, text, strnlen (text, count));
+    Append_Bytes (out, text, strnlen (text, count));
 }
 
 static void UID_Text (const Attribute *attribute, int count, Listing_Text *out) {
@@ -174,6 +176,7 @@ const char *DICOM_Attribute_Data_Text (Window, Attribute *attribute, char *buffe
                   static_cast<int32_t> (attribute->pos_data));
         return out.text;
     }
+    // clang-format off
     switch (vr) {
     case VR_AE: case VR_AS: case VR_CS: case VR_DA: case VR_DS: case VR_DT: case VR_IS: case VR_LO: case VR_LT:
     case VR_PN: case VR_SH: case VR_ST: case VR_UT:
@@ -184,6 +187,7 @@ const char *DICOM_Attribute_Data_Text (Window, Attribute *attribute, char *buffe
     case VR_UN: Unknown_Text (attribute, count, &out); break;
     default:    Values_Text (attribute, Form_Of (vr), &out); break;
     }
+    // clang-format on
     return out.text;
 }
 
@@ -197,6 +201,7 @@ struct Origin_Label {
 };
 
 // The first that fits is shown.
+// clang-format off
 static const Origin_Label origin_labels[] = {
     {APPEND,      APPEND,        "(Append)",  COLOUR_YELLOW},
     {FORCED,      FORCED,        "(Forced)",  COLOUR_YELLOW},
@@ -210,6 +215,7 @@ static const Origin_Label origin_labels[] = {
     {ORIGIN_MASK, ORIGIN_MODULE, "(Module)",  COLOUR_BLUE  },
     {0,           0,             "",          COLOUR_BLACK }
 };
+// clang-format on
 
 static const Origin_Label *Origin_Of (uint16_t flags) {
     const Origin_Label *origin = origin_labels;
@@ -217,6 +223,7 @@ static const Origin_Label *Origin_Of (uint16_t flags) {
     return origin;
 }
 
+// clang-format off
 static const char *Type_Colour (uint16_t type) {
     switch (type) {
     case Code ('1', ' '): case Code ('1', 'C'): return COLOUR_RED;
@@ -225,6 +232,7 @@ static const char *Type_Colour (uint16_t type) {
     default:                                    return COLOUR_BLACK;
     }
 }
+// clang-format on
 
 static char Prefix_Of (uint16_t flags) {
     return flags & DEFAULT ? '=' : flags & FORCED ? '!' : flags & CONVERTER ? 'o' : flags & APPEND ? '+' : ' ';
@@ -270,6 +278,7 @@ void DICOM_Attribute_List_Line (Window window, SequenceCursor *cursor, Attribute
     if (!value_text) value_text = "(no data)";
     Description_Text (attribute, description);
 
+    // clang-format off
     Log_Message (window, kind,
                  "%*s(%s%04x" COLOUR_BLACK ",%s%04x" COLOUR_BLACK ") " EMPHASIS "%s%-10s" EMPHASIS_END " %s%c%-40s"
                  COLOUR_BLACK " (%s%c%c%s,%c%c,%-4d) %s",
@@ -279,10 +288,12 @@ void DICOM_Attribute_List_Line (Window window, SequenceCursor *cursor, Attribute
                  Type_Colour (attribute->type), Prefix_Of (attribute->flags), description,
                  vr_start, Code_First (vr, '-'), Code_Second (vr, '-'), vr_end,
                  Code_First (attribute->type, '-'), Code_Second (attribute->type, '-'), attribute->length, value_text);
+    // clang-format on
 }
 
 // --- list ------------------------------------------------------------------
 
+// clang-format off
 static const char *const legend[] = {
     "Stool syntax: group & element color:" COLOUR_RED " red" COLOUR_BLACK " =syntax error,"
     COLOUR_BLUE " blue" COLOUR_BLACK " =normal",
@@ -300,6 +311,7 @@ static const char *const legend[] = {
     EMPHASIS COLOUR_BLACK "(grp, elem) Origin            description                        (VR,Tp,size) data"
     EMPHASIS_END
 };
+// clang-format on
 
 // The items of a sequence. One that lies deeper than a cursor can stand is announced, which warns, but not entered.
 static void List_Items (Window window, SequenceCursor *cursor, const Attribute *sequence, int kind) {

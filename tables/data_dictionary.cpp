@@ -297,12 +297,14 @@ static int Allocate (Window window) {
             lines++;
         }
     }
-    dictionary.entries = static_cast<Dictionary_Entry *> (Memory_Malloc (
-        window, HERE ("entries", lines, sizeof (Dictionary_Entry)), lines * sizeof (Dictionary_Entry)));
-    dictionary.nodes   = !dictionary.entries ? nullptr : static_cast<Group_Node *> (Memory_Malloc (
-        window, HERE ("nodes", lines, sizeof (Group_Node)), lines * sizeof (Group_Node)));
-    dictionary.names   = !dictionary.nodes ? nullptr : static_cast<char *> (Memory_Malloc (
-        window, HERE ("names", bytes, 1), bytes));
+    void *entries = Memory_Malloc (window, HERE ("entries", lines, sizeof (Dictionary_Entry)),
+                                   lines * sizeof (Dictionary_Entry));
+    dictionary.entries = static_cast<Dictionary_Entry *> (entries);
+    if (!entries) return 0;
+    void *nodes = Memory_Malloc (window, HERE ("nodes", lines, sizeof (Group_Node)), lines * sizeof (Group_Node));
+    dictionary.nodes = static_cast<Group_Node *> (nodes);
+    if (!nodes) return 0;
+    dictionary.names = static_cast<char *> (Memory_Malloc (window, HERE ("names", bytes, 1), bytes));
     return dictionary.names != nullptr;
 }
 

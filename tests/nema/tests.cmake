@@ -1,1 +1,1 @@
-tagwright_test (nema opened_source.cpp NEMA_Read_Data_test.cpp)
+tagwright_test (nema opened_source.cpp NEMA_Read_Data_test.cpp NEMA_Read_TAG_test.cpp)

@@ -1,1 +1,162 @@
+// The run is a row of phases: names, both sides, listings, merge, walk, release, result. Which walk runs is decided by
+// the names given: a file that was named but can't be read makes every attribute of the other one absent, it doesn't turn
+// a comparison of two files into one with a definition.
 #include "compare/comparison_run.h"
+
+#include "attribute/NEMA_Tag_Attribute.h"
+#include "attribute/NEMA_Tag_Copy.h"
+#include "attribute/listing.h"
+#include "compare/attribute_comparison.h"
+#include "compare/file_reader.h"
+#include "platform/system.h"
+#include "util/error_text.h"
+#include "util/my_error_fct.h"
+
+static const char *const MODULE = "comparison_run";
+
+Comparison Comparison_Last;
+
+static bool Is_Empty (const char *name) { return !name || !*name; }
+
+// --- state -----------------------------------------------------------------
+
+static void Merged_Delete (Window window, SequenceCursor *cursor) {
+    if (Comparison_Last.merged) List_Delete (window, cursor, &Comparison_Last.merged);
+}
+
+// Replaces a name by an owned copy of another; an empty one is kept as none. 1, or 0 after the strdup message.
+static int Name_Keep (Window window, Memory_Site site, char **place, const char *name) {
+    Memory_Free (*place);
+    *place = nullptr;
+    if (Is_Empty (name)) return 1;
+    *place = Memory_Strdup (window, site, name);
+    return *place != nullptr;
+}
+
+static int Names_Keep (Window window, const char *name_a, const char *name_b) {
+    return Name_Keep (window, HERE ("Name_File_A", 0, 0), &Comparison_Last.Name_File_A, name_a) &&
+           Name_Keep (window, HERE ("Name_File_B", 0, 0), &Comparison_Last.Name_File_B, name_b);
+}
+
+// --- phases ----------------------------------------------------------------
+
+static Attribute *Read_Side (Window window, SequenceCursor *cursor, const char *name) {
+    Log_Message (window, LOG_REPORT, "    Reading: %s", name);
+    return File_Read_List (window, cursor, name);
+}
+
+static void Trace_List (Window window, SequenceCursor *cursor, Attribute *list, const char *title) {
+    if (Log.trace_level < 1) return;
+    Log_Section (window, LOG_TRACE1, title);
+    DICOM_Attribute_Sequence_Reset (window, cursor);
+    DICOM_Attribute_List (window, cursor, list, LOG_TRACE1);
+}
+
+// Every tag of both sides; the values are shared, not copied.
+static void Merge (Window window, SequenceCursor *cursor, const Attribute *list_a, const Attribute *list_b) {
+    Log_Message (window, LOG_REPORT, "    Analysing differences");
+    DICOM_Attribute_Sequence_Reset (window, cursor);
+    DICOM_Attribute_Copy (window, cursor, &Comparison_Last.merged, list_a);
+    if (list_b) {
+        DICOM_Attribute_Sequence_Reset (window, cursor);
+        DICOM_Attribute_Copy (window, cursor, &Comparison_Last.merged, list_b);
+    }
+    Trace_List (window, cursor, Comparison_Last.merged,
+                "-----                       Stool DICOM Merge                            ----- ");
+}
+
+static int Walk (Window window, SequenceCursor *cursor, Attribute *list_a, Attribute *list_b, bool two_files) {
+    DICOM_Attribute_Sequence_Reset (window, cursor);
+    int count = two_files ? Diff_Lists (window, cursor, Comparison_Last.merged, list_a, list_b, 0, 0)
+                          : Modality_Diff_Lists (window, cursor, Comparison_Last.merged, list_a, nullptr, 0, 0);
+    Log_Message (window, LOG_TRACE1, "==> %d dif", count);
+    return count;
+}
+
+// Large values are views of their files. Bytes of a file that shrank meanwhile were taken as zero.
+static void Report_Vanished_Bytes (Window window) {
+    if (System_Map_Faults () <= 0) return;
+    Log_Message (window, LOG_WARNING,
+                 EMPHASIS COLOUR_YELLOW "WARNING:" COLOUR_BLACK
+                                        " a file changed while it was read: its missing bytes count as zero");
+}
+
+static void Report_Count (Window window, int count) {
+    if (count >= 1) {
+        Log_Message (window, LOG_REPORT, EMPHASIS COLOUR_BLACK "Found " COLOUR_BLUE "%d" COLOUR_BLACK " differences",
+                     count);
+        Log_Message (window, LOG_AUDIT, "Found %d differences", count);
+    } else {
+        Log_Message (window, LOG_REPORT, EMPHASIS COLOUR_BLACK "No changes");
+    }
+}
+
+// --- run -------------------------------------------------------------------
+
+int Comparison_Run (Window window, const Settings *settings, const char *name_a, const char *name_b, int batch) {
+    SequenceCursor cursor = {};
+    Attribute     *list_a = nullptr;
+    Attribute     *list_b = nullptr;
+    cursor.settings       = settings;
+
+    Merged_Delete (window, &cursor);
+    if (!Names_Keep (window, name_a, name_b)) return 0;
+
+    if (!Is_Empty (name_a)) {
+        list_a = Read_Side (window, &cursor, name_a);
+        Log_Message (window, LOG_REPORT, "");
+    }
+    if (!Is_Empty (name_b)) list_b = Read_Side (window, &cursor, name_b);
+
+    Trace_List (window, &cursor, list_a,
+                "-----                       Stool DICOM File A                           ----- ");
+    Trace_List (window, &cursor, list_b,
+                "-----                       Stool DICOM File B                           ----- ");
+
+    if (!batch) Merge (window, &cursor, list_a, list_b);
+    int count = Walk (window, &cursor, list_a, list_b, !Is_Empty (name_b));
+    List_Delete (window, &cursor, &list_a);
+    List_Delete (window, &cursor, &list_b);
+    Report_Vanished_Bytes (window);
+    if (!batch) Report_Count (window, count);
+    return count;
+}
+
+// --- the lines around it ---------------------------------------------------
+
+// 1, or 0 after telling that there is no such file, to the user and in the audit file.
+static int Check_Exists (Window window, const char *name) {
+    static const int KINDS[] = {LOG_REPORT, LOG_AUDIT};
+    if (System_File_Exists (name)) return 1;
+
+    unsigned error = System_Last_Error ();
+    for (int kind : KINDS) {
+        Log_Message (window, kind, EMPHASIS COLOUR_RED "ERROR:" COLOUR_BLACK " Unable to open file: %s", name);
+        Log_Message (window, kind, COLOUR_BLACK "    %s", Error_Text (error));
+    }
+    return 0;
+}
+
+int Comparison_Start (Window window, const Settings *settings, const char *name_a, const char *name_b, int batch) {
+    if (!name_a) name_a = "";
+    if (!name_b) name_b = "";
+    Log_Message (window, LOG_REPORT, "    " COLOUR_BLACK "Compare A: " COLOUR_BLUE "%s", name_a);
+    Log_Message (window, LOG_REPORT, "    " COLOUR_BLACK "      /vs/     B: " COLOUR_BLUE "%s",
+                 *name_b ? name_b : "Modality description");
+
+    // From the command line files are named in pairs.
+    if (batch && (!Check_Exists (window, name_a) || !*name_b || !Check_Exists (window, name_b)))
+        return COMPARISON_FAILED;
+
+    int count = Comparison_Run (window, settings, name_a, name_b, batch);
+    Report_Count (window, count);
+    return count;
+}
+
+void Comparison_Free (Window window) {
+    SequenceCursor cursor = {};
+    Merged_Delete (window, &cursor);
+    Memory_Free (Comparison_Last.Name_File_A);
+    Memory_Free (Comparison_Last.Name_File_B);
+    Comparison_Last = {};
+}

@@ -1,1 +1,170 @@
+// Start-up brings the services up in the order in which they need one another: identity, command line, console, log,
+// paths. Memory that runs out on the way ends the program with 0, after the message.
 #include "app/start_up.h"
+
+#include <stdio.h>
+#include <time.h>
+
+#include "app/command_line.h"
+#include "compare/comparison_run.h"
+#include "platform/system.h"
+#include "util/memory.h"
+#include "util/my_error_fct.h"
+#include "util/text.h"
+#include "util/utility_directory.h"
+#include "util/win_registry.h"
+
+static const char *const MODULE = "start_up";
+
+static const char *const INSTALL_PATH_DEFAULT = "c:\\Program Files\\Kestrelbay\\";
+static const char *const TABLES_DIRECTORY     = "DICOM Tables";
+static const size_t      PATH_TEXT_SIZE       = SYSTEM_PATH_SIZE + 64; // A path and one more directory.
+
+static const int MEMORY_FAILED = 0; // Exit code.
+
+Application Program;
+
+// --- identity --------------------------------------------------------------
+
+static void Identity_Set (void) {
+    char   date[32] = "";
+    time_t now      = time (nullptr);
+    if (const tm *local = localtime (&now)) strftime (date, sizeof date, "%d%b%Y", local);
+
+    Log.trace_level        = 0;
+    Log.audit_mode         = 2;
+    Log.program_name       = PROGRAM_NAME;
+    Log.program_version    = PROGRAM_VERSION;
+    Log.program_identifier = PROGRAM_IDENTIFIER;
+    Log.program_date       = PROGRAM_DATE;
+    Text_Copy (Log.trace_name, sizeof Log.trace_name, PROGRAM_NAME "_trace.dat");
+    snprintf (Log.audit_name, sizeof Log.audit_name, PROGRAM_NAME "_%s.dat", date);
+
+    Program.settings            = {};
+    Program.settings.mode_start = MODE_EXPLICIT;
+}
+
+// A level beyond the range of the setting is as deep, or as silent, as the setting can say.
+static int8_t Trace_Level (int level) {
+    if (level > INT8_MAX) return INT8_MAX;
+    if (level < INT8_MIN) return INT8_MIN;
+    return static_cast<int8_t> (level);
+}
+
+// --- paths -----------------------------------------------------------------
+
+// Replaces an owned path by a copy of another, an empty one by none. 1, or 0 after the strdup message.
+static int Path_Keep (Memory_Site site, char **place, const char *path) {
+    Memory_Free (*place);
+    *place = nullptr;
+    if (!*path) return 1;
+    *place = Memory_Strdup (nullptr, site, path);
+    return *place != nullptr;
+}
+
+// "path" and "name" and a separator.
+static void Path_Text (char *text, size_t size, const char *path, const char *name) {
+    snprintf (text, size, "%s%s%c", path, name, System_Separator ());
+}
+
+static int Install_Path_Set (void) {
+    char path[SYSTEM_PATH_SIZE];
+    if (!Registry_Get_Path (nullptr, PROGRAM_NAME, path, sizeof path)) {
+        Log_Message (nullptr, LOG_TRACE1, "Unable to get path from registry");
+        Log_Message (nullptr, LOG_TRACE1, "File:%s. Line:%d", MODULE, __LINE__);
+        Text_Copy (path, sizeof path, INSTALL_PATH_DEFAULT);
+    }
+    return Path_Keep (HERE ("Inst_Path", 0, 0), &Program.Inst_Path, path);
+}
+
+// The user's own directory is made when it is missing.
+static int Application_Path_Set (void) {
+    char data[SYSTEM_PATH_SIZE];
+    char path[PATH_TEXT_SIZE];
+    if (!System_User_Data_Path (data, sizeof data)) return 1;
+
+    Path_Text (path, sizeof path, data, PROGRAM_VENDOR);
+    if (!Path_Keep (HERE ("Application_Path", 0, 0), &Program.Application_Path, path)) return 0;
+    Directory_Make (nullptr, Program.Application_Path);
+    return 1;
+}
+
+// The definition tables below a directory; the user's copy, when there is a place for one, is the one that is read.
+static int Tables_Path_Set (const char *parent) {
+    char path[PATH_TEXT_SIZE];
+    Path_Text (path, sizeof path, parent ? parent : "", TABLES_DIRECTORY);
+    return Path_Keep (HERE ("DICOM_Module_Dir", 0, 0), &Program.DICOM_Module_Dir, path);
+}
+
+static int Paths_Set (void) {
+    return Install_Path_Set () && Tables_Path_Set (Program.Inst_Path) && Application_Path_Set () &&
+           Tables_Path_Set (Program.Application_Path ? Program.Application_Path : Program.Inst_Path);
+}
+
+static void Paths_Free (void) {
+    char **const PATHS[] = {&Program.Inst_Path, &Program.Application_Path, &Program.DICOM_Module_Dir};
+    for (char **path : PATHS) {
+        Memory_Free (*path);
+        *path = nullptr;
+    }
+}
+
+// --- batch mode ------------------------------------------------------------
+
+static int Sum (int total, int result) {
+    int64_t sum = static_cast<int64_t> (total) + result;
+    if (sum > INT32_MAX) return INT32_MAX;
+    if (sum < INT32_MIN) return INT32_MIN;
+    return static_cast<int> (sum);
+}
+
+// Compares the names pair by pair. The sum of the results.
+static int Batch_Run (const Command_Line *line) {
+    int total = 0;
+    if (line->count % 2)
+        fprintf (stderr, "input names are taken in pairs: no partner for (%s)\n", line->input_file[line->count - 1]);
+
+    Log_Message (nullptr, LOG_REPORT, EMPHASIS COLOUR_BLACK "Comparing %d file%s...", line->count,
+                 line->count >= 2 ? "s" : "");
+    for (int i = 0; i < line->count; i += 2) {
+        const char *second = i + 1 < line->count ? line->input_file[i + 1] : "";
+        total              = Sum (total, Comparison_Start (nullptr, &Program.settings, line->input_file[i], second, 1));
+    }
+    Log_Message (nullptr, LOG_REPORT, EMPHASIS COLOUR_BLACK "Done");
+    Comparison_Free (nullptr);
+    return total;
+}
+
+// --- entry -----------------------------------------------------------------
+
+static void Log_Start (int trace_level) {
+    Log.trace_level = Trace_Level (trace_level);
+    if (Log.trace_level) System_Console_Open ();
+    Log_Sink_Set (Log_Program_Sink);
+    if (Log.trace_level) Log_Banner ();
+}
+
+static int Run (const Command_Line *line) {
+    if (!line->count) {
+        Command_Line_Usage (stdout);
+        return COMMAND_LINE_BAD;
+    }
+    Log_Start (line->trace_level);
+    int result = Paths_Set () ? Batch_Run (line) : MEMORY_FAILED;
+    Paths_Free ();
+    return result;
+}
+
+int Program_Run (const Program_Arguments *arguments) {
+    Command_Line line;
+    int          result = COMMAND_LINE_BAD;
+
+    Identity_Set ();
+    switch (Command_Line_Read (arguments, &line)) {
+    case 1: result = Run (&line); break;
+    case 0: result = MEMORY_FAILED; break;
+    default: break;
+    }
+    Command_Line_Free (&line);
+    return result;
+}

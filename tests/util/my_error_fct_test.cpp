@@ -368,7 +368,9 @@ TEST_F (MyErrorFct, CleanTextStaysInItsBuffer) {
 
 TEST_F (MyErrorFct, SectionIsFourLines) {
     Level (2);
+    testing::internal::CaptureStdout ();
     Log_Section (nullptr, LOG_TRACE2, "-----  100%  -----");
+    testing::internal::GetCapturedStdout ();
     std::string dashes (79, '-');
     EXPECT_EQ (Trace (), On_Disk ("TRACE:       \n\n\n\nTRACE:       " + dashes + "\nTRACE:       -----  100%  -----\nTRACE:       " +
                                   dashes + "\n"));

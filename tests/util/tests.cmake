@@ -1,1 +1,2 @@
-tagwright_test (util my_error_fct_test.cpp)
+tagwright_test (util
+    bytes_test.cpp file_test.cpp my_error_fct_test.cpp text_test.cpp)

@@ -1,0 +1,8 @@
+# Real files, compared with what another reader says of them. Linux only: the files and the peer are Debian packages.
+if (NOT WIN32)
+    add_executable (dump_elements corpus/dump_elements.cpp)
+    target_link_libraries (dump_elements PRIVATE tagwright_options tagwright_compare)
+    add_test (NAME corpus COMMAND /usr/bin/python3 ${CMAKE_CURRENT_SOURCE_DIR}/corpus/corpus_test.py
+              $<TARGET_FILE:dump_elements>)
+    set_tests_properties (corpus PROPERTIES TIMEOUT 300 LABELS slow)
+endif ()

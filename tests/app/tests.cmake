@@ -1,1 +1,7 @@
-# tagwright_test (app NAME_test.cpp ...)
+tagwright_test (app command_line_test.cpp start_up_test.cpp ../support/program.cpp)
+add_dependencies (app_test tagwright)
+
+# The program makes a directory of its own below this one; the user's real one is left alone.
+if (NOT WIN32)
+    set_tests_properties (app PROPERTIES ENVIRONMENT "APPDATA=${PROJECT_BINARY_DIR}/tests/user")
+endif ()

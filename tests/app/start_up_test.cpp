@@ -1,0 +1,313 @@
+// Start-up in this process, with the log going to a directory of the test, and the built program as a user starts it.
+#include "app/start_up.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "app/command_line.h"
+#include "nema/NEMA_Read_Value.h"
+#include "platform/system.h"
+#include "platform/window.h"
+#include "tables/data_dictionary.h"
+#include "tests/support/examples.h"
+#include "tests/support/log_recorder.h"
+#include "tests/support/program.h"
+#include "tests/support/temporary.h"
+#include "util/memory.h"
+#include "util/my_error_fct.h"
+
+static std::string Example_Path (const std::string &name) {
+    return std::string (TAGWRIGHT_SOURCE_DIR) + "/examples/" + name;
+}
+
+static std::string Line_Ends (const std::string &text) {
+    std::string result;
+    for (char c : text) result += c == '\n' ? System_Line_End () : std::string (1, c);
+    return result;
+}
+
+static bool Contains (const std::string &text, const std::string &part) {
+    return text.find (part) != std::string::npos;
+}
+
+static std::string boxes;
+
+static int Box (Window, const char *text, const char *, Window_Icon) {
+    boxes += text;
+    return 0;
+}
+
+// One run of the program's entry, with what it wrote. Everything is as before afterwards.
+struct Started {
+    Temporary_Directory scratch;
+    Log_Settings        settings = Log;
+    int                 result   = 0;
+    std::string         output, errors;
+
+    Started () {
+        std::string path = scratch.path;
+        path.copy (Log.scratch, sizeof Log.scratch - 1);
+        Log.scratch[path.size ()] = 0;
+        boxes.clear ();
+        Window_Box_Hook_Set (Box);
+        Log_Sink_Set (nullptr);
+    }
+    ~Started () {
+        NEMA_Value_Rings_Free ();
+        Window_Box_Hook_Set (nullptr);
+        Log = settings;
+        Log_Recorder silent; // Its end leaves the sink that writes nothing.
+    }
+
+    void Run (const std::vector<const char *> &words) {
+        Program_Arguments arguments = {nullptr, static_cast<int> (words.size ()), words.data ()};
+        testing::internal::CaptureStdout ();
+        testing::internal::CaptureStderr ();
+        result = Program_Run (&arguments);
+        fflush (stdout);
+        output = testing::internal::GetCapturedStdout ();
+        errors = testing::internal::GetCapturedStderr ();
+    }
+    std::string Audit () const { return Read_Whole (scratch.File (Audit_Name ())); }
+    std::string Trace () const { return Read_Whole (scratch.File ("Tagwright_trace.dat")); }
+};
+
+// --- in this process -------------------------------------------------------
+
+TEST (StartUp, NoNamesShowTheUsage) {
+    Started started;
+    started.Run ({});
+    EXPECT_EQ (COMMAND_LINE_BAD, started.result);
+    EXPECT_TRUE (Contains (started.output, " --- usage: ---\n"));
+    EXPECT_EQ ("", started.errors);
+    started.Run ({"-t", "3"});
+    EXPECT_EQ (COMMAND_LINE_BAD, started.result);
+    EXPECT_EQ ("", started.Trace ());
+}
+
+TEST (StartUp, UnknownOption) {
+    Started started;
+    started.Run ({"-q", "a", "b"});
+    EXPECT_EQ (COMMAND_LINE_BAD, started.result);
+    EXPECT_EQ ("unknown argument (-q)\n", started.errors);
+    EXPECT_TRUE (Contains (started.output, " --- usage: ---\n"));
+}
+
+TEST (StartUp, PairIsComparedAndAudited) {
+    Started     started;
+    std::string a = Example_Path ("ct_a.dcm"), b = Example_Path ("ct_b.dcm");
+    started.Run ({a.c_str (), b.c_str ()});
+    EXPECT_EQ (12, started.result);
+    EXPECT_EQ ("", started.output + started.errors);
+    EXPECT_EQ ("", started.Trace ());
+    std::string audit = started.Audit ();
+    EXPECT_EQ (13, std::count (audit.begin (), audit.end (), '\n'));
+    EXPECT_TRUE (Contains (audit, Line_Ends ("\nFound 12 differences\n")));
+    EXPECT_EQ (0u, audit.find ("! (0002,0003)       UI (  18) 1 bytes diff")) << audit;
+}
+
+TEST (StartUp, ResultsOfPairsAreAddedUp) {
+    Started     started;
+    std::string a = Example_Path ("ct_a.dcm"), b = Example_Path ("ct_b.dcm"), n = Example_Path ("nested_a.dcm"),
+                m = Example_Path ("nested_b.dcm"), missing = started.scratch.File ("missing.dcm");
+    started.Run ({a.c_str (), b.c_str (), n.c_str (), m.c_str (), a.c_str (), missing.c_str ()});
+    EXPECT_EQ (12 + 3 - 3, started.result);
+    EXPECT_TRUE (Contains (started.Audit (), "ERROR: Unable to open file: " + missing));
+}
+
+TEST (StartUp, LastNameWithoutPartnerFails) {
+    Started     started;
+    std::string a = Example_Path ("ct_a.dcm"), b = Example_Path ("ct_b.dcm");
+    started.Run ({a.c_str (), b.c_str (), "alone.dcm"});
+    EXPECT_EQ ("input names are taken in pairs: no partner for (alone.dcm)\n", started.errors);
+    EXPECT_EQ (12 - 3, started.result);
+    started.Run ({a.c_str ()});
+    EXPECT_EQ (-3, started.result);
+    EXPECT_EQ ("input names are taken in pairs: no partner for (" + a + ")\n", started.errors);
+}
+
+TEST (StartUp, EmptyNameFails) {
+    Started     started;
+    std::string a = Example_Path ("ct_a.dcm");
+    started.Run ({a.c_str (), ""});
+    EXPECT_EQ (-3, started.result);
+    EXPECT_EQ ("", started.errors);
+}
+
+// A negative level keeps the console quiet and writes what was reported into the trace file.
+TEST (StartUp, ReportsFrameTheRun) {
+    Started     started;
+    std::string a = Example_Path ("ct_a.dcm"), b = Example_Path ("ct_b.dcm");
+    started.Run ({"-t", "-1", a.c_str (), b.c_str ()});
+    EXPECT_EQ (12, started.result);
+    EXPECT_EQ ("", started.output);
+    std::string trace = started.Trace ();
+    EXPECT_EQ (0u, trace.find (Line_Ends ("REPORT: Comparing 2 files...\nREPORT:     Compare A: " + a + "\n")))
+        << trace;
+    EXPECT_TRUE (Contains (trace, Line_Ends ("REPORT: Found 12 differences\nREPORT: Done\n"))) << trace;
+    started.Run ({"-t", "-1", a.c_str ()});
+    EXPECT_TRUE (Contains (started.Trace (), Line_Ends ("REPORT: Comparing 1 file...\n")));
+}
+
+// A number that the level can't hold is taken as the nearest one.
+TEST (StartUp, TraceLevelSaturates) {
+    for (const char *level : {"300", "-300"}) {
+        Started     started;
+        std::string a = Example_Path ("nested_a.dcm");
+        started.Run ({"-t", level, a.c_str (), a.c_str ()});
+        EXPECT_EQ (0, started.result);
+        EXPECT_EQ (level[0] == '-' ? -128 : 127, Log.trace_level);
+    }
+}
+
+TEST (StartUp, IdentityIsSetAnew) {
+    Started started;
+    Log.audit_mode  = 1;
+    Log.trace_level = 4;
+    started.Run ({});
+    EXPECT_EQ (0, Log.trace_level);
+    EXPECT_EQ (2, Log.audit_mode);
+    EXPECT_STREQ ("Tagwright_trace.dat", Log.trace_name);
+    EXPECT_EQ (Audit_Name (), Log.audit_name);
+    EXPECT_STREQ ("Tagwright", Log.program_name);
+    EXPECT_STREQ ("2.1 rev-2", Log.program_version);
+    EXPECT_STREQ ("TAGWRIGHT 21000020", Log.program_identifier);
+    EXPECT_STREQ ("15/06/2016", Log.program_date);
+    EXPECT_EQ (MODE_EXPLICIT, Program.settings.mode_start);
+    EXPECT_EQ (0, Program.settings.kind_warning);
+    EXPECT_EQ (0, Program.settings.kind_note);
+    EXPECT_EQ (0, Program.settings.Nb_Skip);
+}
+
+TEST (StartUp, EverythingIsReleased) {
+    Dictionary_Build (nullptr);
+    long live = Memory_Live ();
+    {
+        Started     started;
+        std::string a = Example_Path ("nested_a.dcm"), b = Example_Path ("nested_b.dcm");
+        started.Run ({a.c_str (), b.c_str ()});
+        EXPECT_EQ (3, started.result);
+    }
+    EXPECT_EQ (live, Memory_Live ());
+    EXPECT_EQ (nullptr, Program.Inst_Path);
+    EXPECT_EQ (nullptr, Program.Application_Path);
+    EXPECT_EQ (nullptr, Program.DICOM_Module_Dir);
+}
+
+// The names of the paths come first, each once; behind them the run goes on with what it has.
+TEST (StartUp, EveryMemoryFailureIsShownAndLeaksNothing) {
+    Dictionary_Build (nullptr);
+    std::string a = Example_Path ("nested_a.dcm"), b = Example_Path ("nested_b.dcm");
+    std::string all;
+    long        live = Memory_Live ();
+    for (long n = 1;; n++) {
+        Started started;
+        Memory_Fail_At (n);
+        started.Run ({a.c_str (), b.c_str ()});
+        int failed = Memory_Failed ();
+        Memory_Fail_At (0);
+        NEMA_Value_Rings_Free ();
+        EXPECT_EQ (failed, Contains (boxes, "\nmemory error in ")) << n << boxes;
+        EXPECT_EQ (live, Memory_Live ()) << n;
+        if (Contains (boxes, " of start_up \n") || Contains (boxes, " of command_line \n")) {
+            EXPECT_EQ (0, started.result) << boxes;
+            EXPECT_EQ ("", started.Audit ());
+        }
+        all += boxes;
+        if (!failed) break;
+        ASSERT_GT (10000, n);
+    }
+    for (const char *name : {"input_file", "Inst_Path", "DICOM_Module_Dir", "Application_Path", "Name_File_A"})
+        EXPECT_TRUE (Contains (all, std::string ("(var=") + name)) << name;
+}
+
+// --- the built program -----------------------------------------------------
+
+static int Status (int result) { return System_Exit_Status (result); }
+
+TEST (Program, PairsEndWithTheirCount) {
+    for (const Example_Pair &pair : Example_Pairs ()) {
+        Temporary_Directory directory;
+        Program_Result      result =
+            Program_Run_Built (directory, Quoted (Example_Path (pair.a)) + " " + Quoted (Example_Path (pair.b)));
+        EXPECT_EQ (pair.differences, result.status) << pair.a << " " << pair.b << result.errors;
+        EXPECT_EQ ("", result.output + result.errors);
+        EXPECT_TRUE (
+            Contains (result.audit, Line_Ends ("Found " + std::to_string (pair.differences) + " differences\n")))
+            << result.audit;
+    }
+}
+
+TEST (Program, FileEqualsItself) {
+    Temporary_Directory directory;
+    std::string         arguments;
+    for (const Example &example : Examples_Make ())
+        arguments += Quoted (Example_Path (example.name)) + " " + Quoted (Example_Path (example.name)) + " ";
+    EXPECT_EQ (0, Program_Run_Built (directory, arguments).status);
+}
+
+TEST (Program, NoNames) {
+    Temporary_Directory directory;
+    Program_Result      result = Program_Run_Built (directory, "");
+    EXPECT_EQ (2, result.status);
+    EXPECT_TRUE (Contains (result.output, "\n --- usage: ---\n Tagwright [-v] [-t *]")) << result.output;
+    EXPECT_EQ ("", result.errors);
+}
+
+TEST (Program, UnknownOption) {
+    Temporary_Directory directory;
+    Program_Result      result = Program_Run_Built (directory, "a -q b");
+    EXPECT_EQ (2, result.status);
+    EXPECT_EQ ("unknown argument (-q)\n", result.errors);
+    EXPECT_TRUE (Contains (result.output, "\n --- usage: ---\n"));
+}
+
+TEST (Program, NameWithoutPartner) {
+    Temporary_Directory directory;
+    Program_Result      result = Program_Run_Built (directory, "alone.dcm");
+    EXPECT_EQ (Status (-3), result.status);
+    EXPECT_EQ ("input names are taken in pairs: no partner for (alone.dcm)\n", result.errors);
+}
+
+TEST (Program, MissingFile) {
+    Temporary_Directory directory;
+    std::string         missing = directory.File ("missing.dcm");
+    Program_Result      result  = Program_Run_Built (directory, Quoted (missing) + " " + Quoted (missing));
+    EXPECT_EQ (Status (-3), result.status);
+    EXPECT_TRUE (
+        Contains (result.audit, Line_Ends ("ERROR: Unable to open file: " + missing + "\n    [ERROR_FILE_NOT_FOUND] ")))
+        << result.audit;
+}
+
+TEST (Program, NamesMayHoldBlanks) {
+    Temporary_Directory directory;
+    std::string         name = directory.Write ("a name with blanks.dcm", Read_Whole (Example_Path ("ct_a.dcm")));
+    Program_Result result    = Program_Run_Built (directory, Quoted (name) + " " + Quoted (Example_Path ("ct_b.dcm")));
+    EXPECT_EQ (12, result.status);
+}
+
+TEST (Program, TraceIsWritten) {
+    Temporary_Directory directory;
+    std::string         a = Example_Path ("ct_a.dcm"), b = Example_Path ("ct_b.dcm");
+    Program_Result      result = Program_Run_Built (directory, "-t 3 " + Quoted (a) + " " + Quoted (b));
+    EXPECT_EQ (12, result.status);
+    EXPECT_TRUE (Contains (result.audit, "Found 12 differences"));
+    std::string trace = Read_Whole (Scratch_File ("Tagwright_trace.dat"));
+    EXPECT_EQ (0u, trace.find ("TRACE:   ==== ==== Tagwright 2.1 rev-2 ==== (")) << trace.substr (0, 200);
+    EXPECT_TRUE (Contains (trace, Line_Ends ("REPORT: Comparing 2 files...\n")));
+    EXPECT_TRUE (Contains (trace, "Stool DICOM File A"));
+    EXPECT_TRUE (Contains (trace, "Stool original DICOM File"));
+    EXPECT_TRUE (Contains (trace, Line_Ends ("TRACE:           --> ****** end of file ******\n")));
+    EXPECT_TRUE (Contains (trace, Line_Ends ("TRACE:   ==> 12 dif\n")));
+}
+
+// What the user's directory is for; it is made with the levels above it.
+TEST (Program, UserDirectoryIsMade) {
+    Temporary_Directory directory;
+    std::string         a = Quoted (Example_Path ("nested_a.dcm"));
+    EXPECT_EQ (0, Program_Run_Built (directory, a + " " + a).status);
+    EXPECT_EQ (1, System_Is_Directory (directory.File ("Kestrelbay").c_str ()));
+}

@@ -1,0 +1,51 @@
+#include "tests/support/program.h"
+
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+
+#include "platform/system.h"
+
+static bool Is_Windows () { return System_Separator () == '\\'; }
+
+std::string Quoted (const std::string &name) { return Is_Windows () ? "\"" + name + "\"" : "'" + name + "'"; }
+
+std::string Scratch_File (const std::string &name) {
+    char scratch[SYSTEM_PATH_SIZE];
+    return System_Scratch_Path (scratch, sizeof scratch) ? scratch + name : name;
+}
+
+std::string Audit_Name () {
+    char        date[32];
+    std::time_t now = std::time (nullptr);
+    std::strftime (date, sizeof date, "%d%b%Y", std::localtime (&now));
+    return "Tagwright_" + std::string (date) + ".dat";
+}
+
+static std::string Without_Returns (std::string text) {
+    for (size_t place; (place = text.find ('\r')) != std::string::npos;) text.erase (place, 1);
+    return text;
+}
+
+Program_Result Program_Run_Built (const Temporary_Directory &directory, const std::string &arguments) {
+    std::string program = std::filesystem::absolute (TAGWRIGHT_PROGRAM).make_preferred ().string ();
+    std::string output = directory.File ("output.txt"), errors = directory.File ("errors.txt");
+    std::string command = Quoted (program) + " " + arguments + " > " + Quoted (output) + " 2> " + Quoted (errors);
+    std::string audit   = Scratch_File (Audit_Name ());
+    size_t      before  = Read_Whole (audit).size ();
+
+    // The status that std::system gives is the program's on Windows and a coded one on Linux.
+    Program_Result result = {};
+    std::string    status = directory.File ("status.txt");
+    if (Is_Windows ()) {
+        result.status = std::system (("set APPDATA=" + directory.path + "&& " + command).c_str ());
+    } else {
+        command       = "APPDATA=" + Quoted (directory.path) + " " + command + "; echo $? > " + Quoted (status);
+        result.status = std::system (command.c_str ()) ? -1 : std::atoi (Read_Whole (status).c_str ());
+    }
+    result.output = Without_Returns (Read_Whole (output));
+    result.errors = Without_Returns (Read_Whole (errors));
+    result.audit  = Read_Whole (audit);
+    result.audit.erase (0, before);
+    return result;
+}

@@ -1,0 +1,22 @@
+// Runs the built program as a user does, through the system's command interpreter.
+#pragma once
+
+#include <string>
+
+#include "tests/support/temporary.h"
+
+struct Program_Result {
+    int         status;
+    std::string output; // Standard output and standard error, with line feeds as line ends.
+    std::string errors;
+    std::string audit; // What the audit file received meanwhile, as it stands in the file.
+};
+
+// The user's own directory is looked for in the test's one; arguments are written as the interpreter wants them.
+Program_Result Program_Run_Built (const Temporary_Directory &directory, const std::string &arguments);
+
+std::string Quoted (const std::string &name); // For an argument with blanks.
+
+// A file in the default scratch directory, and the name of today's audit file.
+std::string Scratch_File (const std::string &name);
+std::string Audit_Name ();

@@ -5,12 +5,13 @@
 #include "util/error_text.h"
 #include "util/my_error_fct.h"
 
-static System_Mutex *mutex;
-static int           wait;
+static System_Mutex      *region;
+static int                patience;         // Milliseconds.
+static Mutex_Access_Wait  region_wait;
 
 void Mutex_Access_Start (void) {
-    if (!mutex) return;
-    switch (System_Mutex_Wait (mutex, wait)) {
+    if (!region) return;
+    switch (region_wait (region, patience)) {
     case SYSTEM_WAIT_ENTERED: break;
     case SYSTEM_WAIT_TIMEOUT:
         Log_Message (nullptr, LOG_ERRLOG, "Critical Region Deadlock in Mutex_Access_Start!");
@@ -23,10 +24,11 @@ void Mutex_Access_Start (void) {
 }
 
 void Mutex_Access_Stop (void) {
-    if (mutex) System_Mutex_Release (mutex);
+    if (region) System_Mutex_Release (region);
 }
 
-void Mutex_Access_Install (System_Mutex *installed, int milliseconds) {
-    mutex = installed;
-    wait  = milliseconds;
+void Mutex_Access_Install (System_Mutex *mutex, int milliseconds, Mutex_Access_Wait wait) {
+    region      = mutex;
+    patience    = milliseconds;
+    region_wait = wait;
 }

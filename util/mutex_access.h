@@ -11,5 +11,7 @@ static const int MUTEX_ACCESS_WAIT = 10000;     // Milliseconds.
 void Mutex_Access_Start (void);
 void Mutex_Access_Stop (void);
 
-// Takes the mutex into use (borrowed; none removes it) with a waiting time in milliseconds.
-void Mutex_Access_Install (System_Mutex *mutex, int milliseconds);
+typedef System_Wait (*Mutex_Access_Wait) (System_Mutex *mutex, int milliseconds);
+
+// Takes the mutex into use (borrowed; none removes it) with a waiting time in milliseconds. A test may wait in its own way.
+void Mutex_Access_Install (System_Mutex *mutex, int milliseconds, Mutex_Access_Wait wait = System_Mutex_Wait);

@@ -1,0 +1,107 @@
+#include "util/memory.h"
+
+#include <string.h>
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/log_recorder.h"
+
+static const char *const MODULE = "memory_test";
+
+class Memory : public testing::Test {
+protected:
+    void TearDown () override { Memory_Fail_At (0); }
+
+    // The one line that a failure leaves.
+    std::string Failure () const { return recorder.lines.size () == 1 ? recorder.lines[0].text : recorder.All (); }
+
+    static std::string Line (int line, const std::string &rest) {
+        char start[64];
+        snprintf (start, sizeof start, "line %-4d of memory_test \nmemory error in ", line);
+        return start + rest;
+    }
+
+    Log_Recorder recorder;
+    long         live = Memory_Live ();
+};
+
+TEST_F (Memory, BlocksAreCounted) {
+    void *one  = Memory_Malloc (nullptr, HERE ("one", 1, 10), 10);
+    char *zero = static_cast<char *> (Memory_Calloc (nullptr, HERE ("zero", 1, 10), 10));
+    char *text = Memory_Strdup (nullptr, HERE ("text", 1, 1), "a text");
+    EXPECT_EQ (Memory_Live (), live + 3);
+    EXPECT_EQ (zero[0] | zero[9], 0);
+    EXPECT_STREQ (text, "a text");
+    one = Memory_Realloc (nullptr, HERE ("one", 1, 20), one, 20);
+    EXPECT_EQ (Memory_Live (), live + 3);
+    void *fresh = Memory_Realloc (nullptr, HERE ("fresh", 1, 20), nullptr, 20);
+    EXPECT_EQ (Memory_Live (), live + 4);
+    for (void *block : {one, static_cast<void *> (zero), static_cast<void *> (text), fresh}) Memory_Free (block);
+    Memory_Free (nullptr);
+    EXPECT_EQ (Memory_Live (), live);
+    EXPECT_EQ (recorder.All (), "");
+}
+
+TEST_F (Memory, NoBytesStillGiveABlock) {
+    void *one = Memory_Malloc (nullptr, HERE ("one", 0, 0), 0);
+    void *two = Memory_Calloc (nullptr, HERE ("two", 0, 0), 0);
+    void *big = Memory_Realloc (nullptr, HERE ("big", 0, 0), nullptr, 0);
+    EXPECT_NE (one, nullptr);
+    EXPECT_NE (two, nullptr);
+    EXPECT_NE (big, nullptr);
+    big = Memory_Realloc (nullptr, HERE ("big", 0, 0), big, 0);
+    EXPECT_NE (big, nullptr);
+    for (void *block : {one, two, big}) Memory_Free (block);
+    EXPECT_EQ (Memory_Live (), live);
+}
+
+TEST_F (Memory, FailuresAreReportedWithTheFixedTexts) {
+    Memory_Fail_At (1);
+    EXPECT_EQ (Memory_Malloc (nullptr, HERE ("(*list)[line].name", 3, 8), 24), nullptr);
+    EXPECT_EQ (Failure (), Line (__LINE__ - 1, "malloc (var=(*list)[line].name, dim=3x8)"));
+    EXPECT_EQ (recorder.lines[0].kind, LOG_ERROR);
+
+    recorder.Clear ();
+    Memory_Fail_At (1);
+    EXPECT_EQ (Memory_Calloc (nullptr, HERE ("cells", 3, 8), 24), nullptr);
+    EXPECT_EQ (Failure (), Line (__LINE__ - 1, "calloc (var=cells, dim=3x8)"));
+
+    recorder.Clear ();
+    Memory_Fail_At (1);
+    EXPECT_EQ (Memory_Strdup (nullptr, HERE ("text", 3, 8), "text"), nullptr);
+    EXPECT_EQ (Failure (), Line (__LINE__ - 1, "strdup (var=text)"));
+    EXPECT_EQ (Memory_Live (), live);
+}
+
+TEST_F (Memory, FailedEnlargingKeepsTheOldBlock) {
+    char *old = Memory_Strdup (nullptr, HERE ("old", 1, 1), "kept");
+    Memory_Fail_At (1);
+    EXPECT_EQ (Memory_Realloc (nullptr, HERE ("old", 2, 8), old, 16), nullptr);
+    EXPECT_EQ (Failure (), Line (__LINE__ - 1, "realloc (var=old, dim=2x8)"));
+    EXPECT_STREQ (old, "kept");
+    Memory_Free (old);
+    EXPECT_EQ (Memory_Live (), live);
+}
+
+TEST_F (Memory, TheChosenAllocationFailsAndNoOther) {
+    Memory_Fail_At (3);
+    void *blocks[4];
+    for (void *&block : blocks) {
+        EXPECT_EQ (Memory_Failed (), &block > &blocks[2]);
+        block = Memory_Malloc (nullptr, HERE ("block", 1, 1), 1);
+    }
+    EXPECT_EQ (blocks[2], nullptr);
+    EXPECT_EQ (Memory_Live (), live + 3);
+    EXPECT_EQ (Memory_Failed (), 1);
+    for (void *block : blocks) Memory_Free (block);
+    Memory_Fail_At (0);
+    EXPECT_EQ (Memory_Failed (), 0);
+}
+
+TEST_F (Memory, WhatTheSystemRefusesIsReported) {
+    volatile size_t too_much = SIZE_MAX / 2;
+    EXPECT_EQ (Memory_Malloc (nullptr, HERE ("huge", 1, 1), too_much), nullptr);
+    EXPECT_EQ (recorder.Count (LOG_ERROR, "malloc (var=huge, dim=1x1)"), 1);
+}

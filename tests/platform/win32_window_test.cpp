@@ -51,8 +51,18 @@ TEST (Win32Window, ABoxThatCannotBeShownGoesToStandardError) {
 
 // --- messages --------------------------------------------------------------
 
+// A window that only receives messages. A desktop that is just starting may refuse it for a while.
+static HWND Message_Window () {
+    for (int tries = 0; tries < 100; tries++) {
+        HWND window = CreateWindowExA (0, "STATIC", "", 0, 0, 0, 10, 10, HWND_MESSAGE, nullptr, nullptr, nullptr);
+        if (window) return window;
+        Sleep (100);
+    }
+    return nullptr;
+}
+
 TEST (Win32Window, AThreadMessageReachesTheWindowsQueue) {
-    HWND window = CreateWindowExA (0, "STATIC", "", 0, 0, 0, 10, 10, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    HWND window = Message_Window ();
     ASSERT_NE (window, nullptr);
     Window_Post_Thread_Message (reinterpret_cast<Window> (window));
     MSG message = {};

@@ -37,7 +37,9 @@ static struct {
     int                     entry_count;
     int                     node_count;
     size_t                  names_used;
-} dictionary = {Dictionary_Tables, DICTIONARY_TABLE_COUNT, 0, nullptr, nullptr, nullptr, 0, 0, 0};
+    uint16_t                seek_group;     // The group last looked up,
+    int                     seek_node;      // and the first node that isn't smaller.
+} dictionary = {Dictionary_Tables, DICTIONARY_TABLE_COUNT, 0, nullptr, nullptr, nullptr, 0, 0, 0, 0, 0};
 
 // --- one line --------------------------------------------------------------
 
@@ -284,6 +286,8 @@ static void Release (void) {
     dictionary.node_count  = 0;
     dictionary.names_used  = 0;
     dictionary.built       = 0;
+    dictionary.seek_group  = 0;
+    dictionary.seek_node   = 0;
 }
 
 // Makes room for all lines, as if every one began a group of its own. 1, or 0 after the memory message.
@@ -319,15 +323,27 @@ int Dictionary_Build (Window window) {
     return dictionary.entry_count;
 }
 
+static int Is_Smaller (const Group_Node *node, uint16_t group) {
+    return node->group < (group & node->mask);
+}
+
 // The walk over the nodes stops at the first one that is greater, also when its mask hides digits in front; a node that
-// lacks the element leaves it to the next one, since another mask may cover the same group.
+// lacks the element leaves it to the next one, since another mask may cover the same group. Tags come group by group, so
+// the way to a group is gone once.
 const Dictionary_Entry *Dictionary_Lookup (Window window, uint16_t group, uint16_t element) {
     if (group & 1) return nullptr;      // Private.
     Dictionary_Build (window);
 
     const Group_Node *end = dictionary.nodes + dictionary.node_count;
-    for (const Group_Node *node = dictionary.nodes; node < end && node->group <= (group & node->mask); node++) {
-        if (node->group < (group & node->mask)) continue;
+    if (group != dictionary.seek_group) {
+        const Group_Node *node = dictionary.nodes;
+        while (node < end && Is_Smaller (node, group)) node++;
+        dictionary.seek_group = group;
+        dictionary.seek_node  = static_cast<int> (node - dictionary.nodes);
+    }
+    for (const Group_Node *node = dictionary.nodes + dictionary.seek_node; node < end; node++) {
+        if (node->group > (group & node->mask)) break;
+        if (Is_Smaller (node, group)) continue;
         const Dictionary_Entry *entry = Entry_Find (node, element);
         if (entry) return entry;
     }

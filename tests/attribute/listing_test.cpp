@@ -25,7 +25,8 @@ public:
         memcpy (block.get (), bytes.data (), bytes.size ());
         attribute.data = block.get ();
     }
-    Sample (const char *vr, const Stream &stream) : Sample (vr, std::string (stream.bytes.begin (), stream.bytes.end ())) {
+    Sample (const char *vr, const Stream &stream)
+        : Sample (vr, std::string (stream.bytes.begin (), stream.bytes.end ())) {
         if (stream.syntax == EXPLICIT_BIG) attribute.mode = MODE_BIG_ENDIAN;
     }
 
@@ -152,8 +153,8 @@ TEST (ListingDataText, NumbersAreShownUpToTheirLimit) {
     for (const Limit &limit : limits) {
         int         bytes = limit.size * limit.shown;
         std::string full  = Repeat (limit.zero, limit.shown, limit.separator);
-        EXPECT_EQ (Repeat (limit.zero, limit.shown - 1, limit.separator), Text_Of (limit.vr, std::string (bytes - 1, '\0')))
-            << limit.vr;
+        std::string fewer = Repeat (limit.zero, limit.shown - 1, limit.separator);
+        EXPECT_EQ (fewer, Text_Of (limit.vr, std::string (bytes - 1, '\0'))) << limit.vr;
         EXPECT_EQ (full, Text_Of (limit.vr, std::string (bytes, '\0'))) << limit.vr;
         EXPECT_EQ (full + " ...", Text_Of (limit.vr, std::string (bytes + 1, '\0'))) << limit.vr;
         EXPECT_EQ (full + " ...", Text_Of (limit.vr, std::string (bytes + limit.size, '\0'))) << limit.vr;
@@ -503,7 +504,8 @@ TEST (ListingList, LegendCarriesItsColours) {
     SequenceCursor cursor = {};
     DICOM_Attribute_List (nullptr, &cursor, nullptr, LOG_TRACE1);
     ASSERT_EQ (6u, log.lines.size ());
-    EXPECT_EQ ("Stool syntax: group & element color:\x04 red\x02 =syntax error,\x01 blue\x02 =normal", log.lines[0].text);
+    EXPECT_EQ ("Stool syntax: group & element color:\x04 red\x02 =syntax error,\x01 blue\x02 =normal",
+               log.lines[0].text);
     EXPECT_EQ ("Stool syntax: possible origin: \x01" "DICOM, \x01Kest, \x01Module, \x05Private, \x05Retired, "
                "\x04" "Deleted, \x05" "Default, \x05" "Forced",
                log.lines[1].text);

@@ -262,6 +262,19 @@ TEST_F (DataDictionary, SmallerMaskedGroupIsAskedFirst) {
     EXPECT_EQ ("Other", Name_Of (0x7FE0, 0x0020));
 }
 
+// Whatever group was asked for before, the answer is the same. The node of (xx10,0010) ends the search for 5000.
+TEST_F (DataDictionary, GroupsMayBeAskedForInAnyOrder) {
+    static const uint16_t groups[] = {0x0000, 0x0008, 0x0010, 0x0410, 0x5000, 0x5002, 0x5008, 0xFFFE};
+    Build ({"(0000,0010) 0000 DS 1", "(0008,0010) 0008 DS 1", "(50xx,0010) 50xx DS 1", "(5002,0010) 5002 DS 1",
+            "(xx10,0010) xx10 DS 1"});
+    static const char *const names[] = {"0000", "0008", "xx10", "xx10", "(none)", "(none)", "(none)", "(none)"};
+    for (uint16_t before : groups)
+        for (int i = 0; i < 8; i++) {
+            Name_Of (before, 0x0010);
+            EXPECT_EQ (names[i], Name_Of (groups[i], 0x0010)) << before << " " << groups[i];
+        }
+}
+
 TEST_F (DataDictionary, FirstGreaterNodeEndsTheSearch) {
     Build ({"(xx10,0010) Low Digits DS 1", "(0300,0010) Behind DS 1"});
     EXPECT_EQ ("Low Digits", Name_Of (0x0410, 0x0010));
@@ -342,8 +355,13 @@ TEST_F (DataDictionary, LineWithoutTagIsASyntaxError) {
 
 // Every line that comes from a good one by cutting, or by changing one character, is read without a fault.
 TEST_F (DataDictionary, DamagedLinesAreSafe) {
-    static const char *const              good[] = {"(0018,1131) Table Traverse DS 1-n RET",
-                                                    "(50xx,0010) Gray (US 1-n)or(SS 2-2n)or(OW 1) RET", "(0010,31xx) CS 1"};
+    // clang-format off
+    static const char *const good[] = {
+        "(0018,1131) Table Traverse DS 1-n RET",
+        "(50xx,0010) Gray (US 1-n)or(SS 2-2n)or(OW 1) RET",
+        "(0010,31xx) CS 1"
+    };
+    // clang-format on
     std::vector<std::vector<std::string>> contents;
     for (std::string line : good) {
         for (size_t i = 0; i <= line.size (); i++) {

@@ -1,8 +1,10 @@
 // The program's own lines, read once more from their files in another way than the program does it.
+#include <stdio.h>
+#include <string.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -84,40 +86,73 @@ TEST_F (DictionaryLines, TagsAscend) {
     }
 }
 
+struct Reading {
+    int                      group, element;
+    std::string              name;
+    std::vector<std::string> vrs, vms;
+    bool                     retired;
+};
+
+static std::string Trimmed (const std::string &text) {
+    return text.substr (0, text.find_last_not_of (' ') + 1);
+}
+
+// Reads a line from front to back: the name ends where nothing but pairs follow.
+static Reading Read (const std::string &line) {
+    Reading     reading = {};
+    std::string tag     = line.substr (0, 11);
+    std::replace (tag.begin (), tag.end (), 'x', '0');
+    sscanf (tag.c_str (), "(%x,%x)", reinterpret_cast<unsigned *> (&reading.group),
+            reinterpret_cast<unsigned *> (&reading.element));
+
+    for (size_t start = 12; start < line.size (); start++) {
+        const char *text = line.c_str () + start;
+        reading.vrs.clear ();
+        reading.vms.clear ();
+        if (line[start - 1] != ' ') continue;
+        char vr[3], vm[11];
+        int  used = 0;
+        while (sscanf (text, "(%2[A-Z] %10[0-9n-])%n", vr, vm, &used) == 2 && used) {
+            reading.vrs.push_back (vr);
+            reading.vms.push_back (vm);
+            text += used;
+            if (!strncmp (text, "or(", 3)) text += 2;
+            used = 0;
+        }
+        if (reading.vrs.empty () && sscanf (text, "%2[A-Z] %10[0-9n-]%n", vr, vm, &used) == 2 && used) {
+            reading.vrs.push_back (vr);
+            reading.vms.push_back (vm);
+            text += used;
+        }
+        if (reading.vrs.empty () || (*text && strcmp (text, " RET"))) continue;
+        reading.retired = *text;
+        reading.name    = Trimmed (line.substr (12, start - 12));
+        return reading;
+    }
+    ADD_FAILURE () << "not a line: " << line;
+    return reading;
+}
+
+static int Limit (const std::string &number) {
+    return number.back () == 'n' ? 0xFFFF : std::stoi (number);
+}
+
 TEST_F (DictionaryLines, EveryLineIsFoundAgain) {
-    const std::regex form (
-        "\\((.{4}),(.{4})\\) (.*?) +(?:([A-Z]{2}) ([0-9n-]+)|((?:(?:or)?\\([A-Z]{2} [0-9n-]+\\)){2,3}))( RET)?");
-    const std::regex pair ("\\((..) ([^)]+)\\)");
-
     for (const std::string &line : All_Lines ()) {
-        std::smatch part;
-        ASSERT_TRUE (std::regex_match (line, part, form)) << line;
-        std::string group = part[1], element = part[2];
-        std::replace (group.begin (), group.end (), 'x', '0');
-        std::replace (element.begin (), element.end (), 'x', '0');
-
-        std::vector<std::pair<std::string, std::string>> pairs;
-        if (part[4].matched) pairs.push_back ({part[4], part[5]});
-        std::string several = part[6];
-        for (std::sregex_iterator i (several.begin (), several.end (), pair), end; i != end; ++i)
-            pairs.push_back ({(*i)[1], (*i)[2]});
-
-        const Dictionary_Entry *entry =
-            Dictionary_Lookup (nullptr, static_cast<uint16_t> (std::stoi (group, nullptr, 16)),
-                               static_cast<uint16_t> (std::stoi (element, nullptr, 16)));
+        Reading                 expected = Read (line);
+        const Dictionary_Entry *entry    = Dictionary_Lookup (nullptr, static_cast<uint16_t> (expected.group),
+                                                              static_cast<uint16_t> (expected.element));
         ASSERT_NE (nullptr, entry) << line;
-        EXPECT_EQ (std::stoi (group, nullptr, 16), entry->group) << line;
-        EXPECT_EQ (std::stoi (element, nullptr, 16), entry->element) << line;
-        EXPECT_EQ (part[3], entry->name) << line;
-        EXPECT_EQ (static_cast<int> (pairs.size ()) * (part[7].matched ? -1 : 1), entry->nb_vr) << line;
-        for (size_t i = 0; i < pairs.size (); i++) {
-            const std::string &vm   = pairs[i].second;
+        EXPECT_EQ (expected.group, entry->group) << line;
+        EXPECT_EQ (expected.element, entry->element) << line;
+        EXPECT_EQ (expected.name, entry->name) << line;
+        EXPECT_EQ (static_cast<int> (expected.vrs.size ()) * (expected.retired ? -1 : 1), entry->nb_vr) << line;
+        for (size_t i = 0; i < expected.vrs.size (); i++) {
+            const std::string &vm   = expected.vms[i];
             size_t             dash = vm.find ('-');
-            int                low  = std::stoi (vm);
-            int high = dash == std::string::npos ? low : vm.back () == 'n' ? 0xFFFF : std::stoi (vm.substr (dash + 1));
-            EXPECT_EQ (Code (pairs[i].first[0], pairs[i].first[1]), entry->vr[i]) << line;
-            EXPECT_EQ (low, entry->vm[i].minimum) << line;
-            EXPECT_EQ (high, entry->vm[i].maximum) << line;
+            EXPECT_EQ (Code (expected.vrs[i][0], expected.vrs[i][1]), entry->vr[i]) << line;
+            EXPECT_EQ (std::stoi (vm), entry->vm[i].minimum) << line;
+            EXPECT_EQ (Limit (dash == std::string::npos ? vm : vm.substr (dash + 1)), entry->vm[i].maximum) << line;
         }
     }
 }

@@ -25,6 +25,7 @@ void File_Fail_At (File_Operation operation, long n, unsigned error) {
 static int Fails_Now (File_Operation operation) {
     Fault *fault = &faults[operation];
     if (fault->countdown <= 0 || --fault->countdown > 0) return 0;
+    if (operation == FILE_READ) File_Read_Watched = 0;
     System_Last_Error_Set (fault->error);
     return 1;
 }

@@ -459,7 +459,8 @@ TEST (NemaReadData, FailedMoveReportsAndClosesTheFile) {
         EXPECT_EQ (log.lines[0].kind, LOG_TRACE1);
         EXPECT_EQ (log.lines[0].text, "file:some_module line:17");
         EXPECT_EQ (log.lines[1].kind, LOG_WARNING);
-        EXPECT_EQ (log.lines[1].text, "\xF1\x04" "ERROR:\x02 while seeking pos 132");
+        EXPECT_EQ (log.lines[1].text, "\xF1\x04"
+                                      "ERROR:\x02 while seeking pos 132");
         EXPECT_EQ (log.lines[2].kind, LOG_WARNING);
         EXPECT_EQ (log.lines[2].text, Error_Text_Of (ERROR_CODE));
         EXPECT_EQ (log.lines[3].kind, LOG_WARNING);

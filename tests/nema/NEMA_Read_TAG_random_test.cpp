@@ -20,11 +20,12 @@ static size_t Below (Random *random, size_t count) { return (*random) () % count
 
 // Pieces of which headers are made, so that random streams reach every branch.
 static const char *const pieces[] = {
-    "02 00", "02 00 10 00", "08 00 60 00", "00 08 00 60", "FE FF 00 E0", "FF FE E0 00", "FE FF 0D E0", "FE FF DD E0",
-    "3F 3F 3F 00", "3F 3F 00 3F", "E0 7F 10 00", "7F E0 00 10", "40 00 75 02", "00 40 02 75", "09 00 10 10", "00 09 10 10",
-    "43 53", "4F 42", "4F 57", "4F 58", "53 51", "55 4E", "55 54", "55 4C", "06 00", "00 06", "0D 00", "0D 00 00 00",
-    "FF FF FF FF", "FE FF FF FF", "FF FF FF 7F", "00 00 00 80", "00 00", "00 00 00 00", "20 20 20 20", "FF D8 FF E0",
-    "E0 FF D8 FF", "FF D9", "D9 FF", "FF", "00",
+    "02 00",       "02 00 10 00", "08 00 60 00", "00 08 00 60", "FE FF 00 E0", "FF FE E0 00", "FE FF 0D E0",
+    "FE FF DD E0", "3F 3F 3F 00", "3F 3F 00 3F", "E0 7F 10 00", "7F E0 00 10", "40 00 75 02", "00 40 02 75",
+    "09 00 10 10", "00 09 10 10", "43 53",       "4F 42",       "4F 57",       "4F 58",       "53 51",
+    "55 4E",       "55 54",       "55 4C",       "06 00",       "00 06",       "0D 00",       "0D 00 00 00",
+    "FF FF FF FF", "FE FF FF FF", "FF FF FF 7F", "00 00 00 80", "00 00",       "00 00 00 00", "20 20 20 20",
+    "FF D8 FF E0", "E0 FF D8 FF", "FF D9",       "D9 FF",       "FF",          "00",
 };
 
 static Bytes Random_Stream (Random *random) {
@@ -49,8 +50,8 @@ struct Element {
     int32_t  length   = 0;
     int64_t  position = 0;
     bool     operator== (const Element &b) const {
-        return result == b.result && group == b.group && element == b.element && vr == b.vr && length == b.length &&
-               position == b.position;
+            return result == b.result && group == b.group && element == b.element && vr == b.vr && length == b.length &&
+                   position == b.position;
     }
 };
 
@@ -59,9 +60,9 @@ static std::vector<Element> Read_All (NEMA_Source *source, uint8_t mode, int32_t
     std::vector<Element> elements;
     for (;;) {
         Element element;
-        int64_t before = NEMA_Tell (source);
-        element.result = NEMA_Get_Data_Element (nullptr, source, mode, &element.group, &element.element, &element.vr,
-                                                &element.length, limit);
+        int64_t before   = NEMA_Tell (source);
+        element.result   = NEMA_Get_Data_Element (nullptr, source, mode, &element.group, &element.element, &element.vr,
+                                                  &element.length, limit);
         element.position = NEMA_Tell (source);
         elements.push_back (element);
         if (!element.result) return elements;
@@ -115,14 +116,15 @@ TEST (NemaReadTagRandom, FileAndMemoryAreReadAlike) {
         uint8_t mode  = static_cast<uint8_t> (random ());
         int32_t limit = static_cast<int32_t> (bytes.size ());
         EXPECT_TRUE (Read_All (&memory.source, mode, limit, bytes.size ()) ==
-                     Read_All (&file, mode, limit, bytes.size ())) << "stream " << i;
+                     Read_All (&file, mode, limit, bytes.size ()))
+            << "stream " << i;
         File_Close (file.file);
     }
 }
 
 TEST (NemaReadTagRandom, EveryValueIsDecodedOrRefused) {
-    static const uint16_t vrs[] = {VR_AE, VR_AT, VR_CS, VR_DS, VR_FD, VR_FL, VR_IS, VR_LT, VR_OW, VR_PN,
-                                   VR_RT, VR_SL, VR_SS, VR_UI, VR_UL, VR_UN, VR_US, 0};
+    static const uint16_t vrs[]    = {VR_AE, VR_AT, VR_CS, VR_DS, VR_FD, VR_FL, VR_IS, VR_LT, VR_OW,
+                                      VR_PN, VR_RT, VR_SL, VR_SS, VR_UI, VR_UL, VR_UN, VR_US, 0};
     static const char     digits[] = "0123456789+-.eE \\\\x";
 
     Random random (42);

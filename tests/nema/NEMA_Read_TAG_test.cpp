@@ -10,18 +10,18 @@
 
 static const unsigned ERROR_CODE = 5;
 
-#define WARNING_HEAD "    \xF1\x05" "WARNING:\x02 "
+#define WARNING_HEAD                                                                                                   \
+    "    \xF1\x05"                                                                                                     \
+    "WARNING:\x02 "
 
-static std::string Trace (const std::string &what) {
-    return "NEMA_Get_Data_Element() --> failed to read " + what;
-}
+static std::string Trace (const std::string &what) { return "NEMA_Get_Data_Element() --> failed to read " + what; }
 
 // One source, read element by element, with all that it reports.
 class NemaReadTag : public testing::TestWithParam<int> {
 protected:
     Log_Recorder                   log {5};
     std::unique_ptr<Opened_Source> opened;
-    bool                           silent = false;      // Without settings.
+    bool                           silent = false; // Without settings.
 
     uint16_t group = 0, element = 0, vr = 0;
     int32_t  length = 0;
@@ -236,7 +236,10 @@ TEST_P (NemaReadTag, MetaGroupKeepsTheVendorField) {
 // --- items and delimiters --------------------------------------------------
 
 TEST_P (NemaReadTag, ItemTagsHaveNoVRInAnyMode) {
-    struct { const char *bytes; uint16_t element; } tags[] = {{"00 E0", 0xE000}, {"0D E0", 0xE00D}, {"DD E0", 0xE0DD}};
+    struct {
+        const char *bytes;
+        uint16_t    element;
+    } tags[] = {{"00 E0", 0xE000}, {"0D E0", 0xE00D}, {"DD E0", 0xE0DD}};
     for (const auto &tag : tags)
         for (uint8_t mode : std::initializer_list<uint8_t> {0x00, 0x08, 0x18, 0x38, 0xF8}) {
             EXPECT_EQ (Get (mode, std::string ("FE FF") + tag.bytes + "41 42 01 00"), 1);
@@ -307,10 +310,10 @@ TEST_P (NemaReadTag, PhilipsItemIsNothingElse) {
 // --- ends and failures -----------------------------------------------------
 
 struct Cut_Case {
-    size_t      count;      // Bytes that are left of the header.
+    size_t      count; // Bytes that are left of the header.
     int         obtained;
     int         wanted;
-    const char *what;       // What the trace names; none when there is no trace.
+    const char *what; // What the trace names; none when there is no trace.
 };
 
 // Cuts the header and checks both reports and the result for each number of bytes that is left.
@@ -330,9 +333,8 @@ struct Cut_Case {
 
 TEST_P (NemaReadTag, ExplicitHeaderCutAnywhereFails) {
     const Cut_Case cases[] = {
-        {0, 0, 2, "group"},        {1, 1, 2, "group"},        {2, 0, 2, "element"}, {3, 1, 2, "element"},
-        {4, 0, 2, nullptr},        {5, 1, 2, nullptr},        {6, 0, 2, "size (VR:CS)"},
-        {7, 1, 2, "size (VR:CS)"},
+        {0, 0, 2, "group"}, {1, 1, 2, "group"}, {2, 0, 2, "element"},      {3, 1, 2, "element"},
+        {4, 0, 2, nullptr}, {5, 1, 2, nullptr}, {6, 0, 2, "size (VR:CS)"}, {7, 1, 2, "size (VR:CS)"},
     };
     EXPECT_CUTS (MODE_EXPLICIT, "08 00 60 00 43 53 02 00", cases);
     EXPECT_CUTS (MODE_EXPLICIT | MODE_BIG_ENDIAN, "00 08 00 60 43 53 00 02", cases);
@@ -496,7 +498,7 @@ TEST_P (NemaReadTag, GELengthThirteenBecomesTen) {
     EXPECT_EQ (Get (MODE_EXPLICIT | MODE_GE, "08 00 1B 00 4C 4F 0D 00"), 1);
     EXPECT_EQ (Seen (), "(0008,001b) LO 10 @8");
     EXPECT_EQ (Warnings (), Texts {WARNING_HEAD "Fix GE bug: lenght from 13 to 10 in tag (0008,001b)"});
-    EXPECT_EQ (log.Count (LOG_TRACE4), 1);      // A repaired element has no trace of its own.
+    EXPECT_EQ (log.Count (LOG_TRACE4), 1); // A repaired element has no trace of its own.
     EXPECT_EQ (Get (MODE_GE, "08 00 1B 00 0D 00 00 00"), 1);
     EXPECT_EQ (Seen (), "(0008,001b) 00 10 @8");
     EXPECT_EQ (Get (MODE_GE | MODE_BIG_ENDIAN, "00 08 00 1B 00 00 00 0D"), 1);
@@ -518,10 +520,11 @@ TEST_P (NemaReadTag, OnlyTheGEFieldEnablesItsRepair) {
 TEST_P (NemaReadTag, OtherOddLengthsOfGEBringTwoMoreLines) {
     EXPECT_EQ (Get (MODE_EXPLICIT | MODE_GE, "08 00 1B 00 4C 4F 0B 00"), 1);
     EXPECT_EQ (Seen (), "(0008,001b) LO 11 @8");
-    EXPECT_EQ (Warnings (),
-               (Texts {WARNING_HEAD "tag lenght is odd in tag (0008,001b)",
-                       "\x05" "Oups! We assumed this was a GE 13/10 bug, it no longer appears that way",
-                       "\x05" "Please contact Kestrelbay for further assistance."}));
+    EXPECT_EQ (Warnings (), (Texts {WARNING_HEAD "tag lenght is odd in tag (0008,001b)",
+                                    "\x05"
+                                    "Oups! We assumed this was a GE 13/10 bug, it no longer appears that way",
+                                    "\x05"
+                                    "Please contact Kestrelbay for further assistance."}));
 }
 
 TEST_P (NemaReadTag, ItemsLoseTheGEField) {
@@ -592,8 +595,8 @@ TEST_P (NemaReadTag, SiemensBlankNumberBecomesAText) {
 }
 
 TEST_P (NemaReadTag, SiemensNumberThatIsNotBlankStays) {
-    for (const char *value : {"21 20 20 20 20 20", "20 00 20 20 20 20", "20 20 1F 20 20 20", "20 20 20 00 20 20",
-                              "20 20 20", "20", ""}) {
+    for (const char *value :
+         {"21 20 20 20 20 20", "20 00 20 20 20 20", "20 20 1F 20 20 20", "20 20 20 00 20 20", "20 20 20", "20", ""}) {
         EXPECT_EQ (Get (MODE_EXPLICIT, std::string ("09 00 1E 10 55 4C 06 00") + value), 1) << value;
         EXPECT_EQ (Seen (), "(0009,101e) UL 6 @8") << value;
         EXPECT_EQ (Warnings (), Texts ()) << value;
@@ -616,13 +619,12 @@ TEST_P (NemaReadTag, SiemensBlankNumberNeedsAllItsMarks) {
 
 // --- Siemens: pixel data ---------------------------------------------------
 
-static const char pixel_header[]   = "E0 7F 10 00 4F 42 00 00 FF FF FF FF";
-static const char jpeg_start[]     = "FF D8 FF E0";
+static const char pixel_header[]    = "E0 7F 10 00 4F 42 00 00 FF FF FF FF";
+static const char jpeg_start[]      = "FF D8 FF E0";
 static const char exchanged_start[] = "E0 FF D8 FF";
 
 static std::string Pixel_Warning (int length) {
-    return WARNING_HEAD "Fix Siemens bug: lenght changed from -1 to " + std::to_string (length) +
-           " in tag (7fe0,0010)";
+    return WARNING_HEAD "Fix Siemens bug: lenght changed from -1 to " + std::to_string (length) + " in tag (7fe0,0010)";
 }
 
 TEST_P (NemaReadTag, PixelDataEndsWithTheEndMark) {
@@ -667,7 +669,7 @@ TEST_P (NemaReadTag, MissingEndMarkIsNoElementAndSilent) {
 }
 
 TEST_P (NemaReadTag, EndMarkIsLookedForUpToTheLimit) {
-    const std::string stream = std::string (pixel_header) + jpeg_start + "01 02 03 04 FF D9 05 06";     // Offset 8.
+    const std::string stream = std::string (pixel_header) + jpeg_start + "01 02 03 04 FF D9 05 06"; // Offset 8.
     for (int32_t limit : {4, 7, 8}) {
         EXPECT_EQ (Get (MODE_EXPLICIT, stream, limit), 0) << limit;
         EXPECT_EQ (Position (), 12);
@@ -706,7 +708,8 @@ TEST_P (NemaReadTag, OtherPixelDataKeepsItsLength) {
         EXPECT_EQ (Seen (), "(7fe0,0010) OB -1 @12") << value;
         EXPECT_EQ (Warnings (), Texts ()) << value;
     }
-    EXPECT_EQ (Get (MODE_EXPLICIT, std::string ("E0 7F 10 00 4F 42 00 00 08 00 00 00") + jpeg_start + "01 02 FF D9"), 1);
+    EXPECT_EQ (Get (MODE_EXPLICIT, std::string ("E0 7F 10 00 4F 42 00 00 08 00 00 00") + jpeg_start + "01 02 FF D9"),
+               1);
     EXPECT_EQ (length, 8);
     EXPECT_EQ (Get (MODE_EXPLICIT, std::string ("E0 7F 11 00 4F 42 00 00 FF FF FF FF") + jpeg_start + "FF D9"), 1);
     EXPECT_EQ (length, -1);
@@ -721,25 +724,25 @@ protected:
     // The four reports of a failed move.
     void Expect_Move_Failed (int64_t position) {
         EXPECT_EQ (opened->source.file, nullptr);
-        EXPECT_EQ (Warnings (), (Texts {"\xF1\x04" "ERROR:\x02 while seeking pos " + std::to_string (position),
+        EXPECT_EQ (Warnings (), (Texts {"\xF1\x04"
+                                        "ERROR:\x02 while seeking pos " +
+                                            std::to_string (position),
                                         Error_Text_Of (ERROR_CODE), "file: (" + opened->Name () + ")"}));
         EXPECT_EQ (Failures (), Texts {"file:NEMA_Read_TAG"});
     }
 };
 
-INSTANTIATE_TEST_SUITE_P (Sources, NemaReadTagFile, testing::Values (NEMA_FILE),
-                          [] (const auto &) { return "File"; });
+INSTANTIATE_TEST_SUITE_P (Sources, NemaReadTagFile, testing::Values (NEMA_FILE), [] (const auto &) { return "File"; });
 
 TEST_P (NemaReadTagFile, EachReadMayFail) {
     struct {
         const char *hex;
-        const char *what[7];    // Of each read in turn; "" has no trace.
+        const char *what[7]; // Of each read in turn; "" has no trace.
     } headers[] = {
         {"08 00 60 00 43 53 02 00", {"group", "element", "", "size (VR:CS)"}},
         {"08 00 60 00 4F 42 00 00 02 00 00 00", {"group", "element", "", "size (VR:OB)", "size (VR:OB)"}},
         {"FE FF 00 E0 02 00 00 00", {"group", "element", "size (VR:00)"}},
-        {"02 00 10 00 55 49 02 00",
-         {"group", "VR byte[0]", "VR byte[1]", "element", "", "size (VR:UI)"}},
+        {"02 00 10 00 55 49 02 00", {"group", "VR byte[0]", "VR byte[1]", "element", "", "size (VR:UI)"}},
     };
     for (const auto &header : headers)
         for (int n = 0; header.what[n]; n++) {
@@ -747,8 +750,7 @@ TEST_P (NemaReadTagFile, EachReadMayFail) {
             Open (Hex (header.hex));
             File_Fail_At (FILE_READ, n + 1, ERROR_CODE);
             EXPECT_EQ (Get (MODE_EXPLICIT), 0);
-            EXPECT_EQ (Warnings (),
-                       (Texts {"Error reading file " + opened->Name (), Error_Text_Of (ERROR_CODE)}));
+            EXPECT_EQ (Warnings (), (Texts {"Error reading file " + opened->Name (), Error_Text_Of (ERROR_CODE)}));
             Texts traces = {"file:NEMA_Read_Data"};
             if (header.what[n][0]) traces.push_back (Trace (header.what[n]));
             EXPECT_EQ (Failures (), traces);

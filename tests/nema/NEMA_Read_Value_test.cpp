@@ -232,11 +232,11 @@ TEST_F (NemaReadValue, FloatsNeedAWholeNumberOfValues) {
 }
 
 TEST_F (NemaReadValue, DoubleBeyondAFloatIsInfinite) {
-    EXPECT_EQ (Float_Hex (VR_FD, "9C 75 00 88 3C E4 37 7E"), Floats {INFINITY});            // 1e300
+    EXPECT_EQ (Float_Hex (VR_FD, "9C 75 00 88 3C E4 37 7E"), Floats {INFINITY}); // 1e300
     EXPECT_EQ (Float_Hex (VR_FD, "9C 75 00 88 3C E4 37 FE"), Floats {-INFINITY});
     EXPECT_EQ (Float_Hex (VR_FD, "00 00 00 00 00 00 F0 7F"), Floats {INFINITY});
     EXPECT_EQ (Float_Hex (VR_FD, "00 00 00 E0 FF FF EF 47"), Floats {3.40282346638528859812e38f});
-    EXPECT_EQ (Float_Hex (VR_FD, "59 F3 F8 C2 1F 6E A5 01"), Floats {0.0f});                // 1e-300
+    EXPECT_EQ (Float_Hex (VR_FD, "59 F3 F8 C2 1F 6E A5 01"), Floats {0.0f}); // 1e-300
     Floats not_a_number = Float_Hex (VR_FD, "00 00 00 00 00 00 F8 7F");
     ASSERT_EQ (not_a_number.size (), 1u);
     EXPECT_TRUE (isnan (not_a_number[0]));
@@ -272,9 +272,10 @@ TEST_F (NemaReadValue, EachDecoderAcceptsItsVRsOnly) {
             for (char second = 'A'; second <= 'Z'; second++) {
                 Value value (Code (first, second), "12345678");
                 log.Clear ();
-                const void *result = decoder == 0   ? static_cast<const void *> (V_Str (nullptr, &value.attribute, 0))
-                                     : decoder == 1 ? static_cast<const void *> (V_Int (nullptr, &value.attribute, 0))
-                                                    : static_cast<const void *> (V_Float (nullptr, &value.attribute, 0));
+                const void *result = decoder == 0 ? static_cast<const void *> (V_Str (nullptr, &value.attribute, 0))
+                                     : decoder == 1
+                                         ? static_cast<const void *> (V_Int (nullptr, &value.attribute, 0))
+                                         : static_cast<const void *> (V_Float (nullptr, &value.attribute, 0));
                 if (result) {
                     accepted.push_back (value.attribute.vr_file);
                     EXPECT_GT (value.attribute.vm, 0);
@@ -351,17 +352,19 @@ TEST_F (NemaReadValue, BytesOfNoLengthAreNone) {
 TEST_F (NemaReadValue, ResultStaysForTheCallsOfOneRound) {
     Value    one (VR_US, Hex ("01 00 02 00")), other (VR_US, Hex ("09 00 09 00"));
     int32_t *first = V_Int (nullptr, &one.attribute, 0);
-    for (int call = 2; call <= VALUE_RING_SLOTS; call++) ASSERT_NE (V_Int (nullptr, &other.attribute, 0), first) << call;
+    for (int call = 2; call <= VALUE_RING_SLOTS; call++)
+        ASSERT_NE (V_Int (nullptr, &other.attribute, 0), first) << call;
     EXPECT_EQ (first[0], 1);
     EXPECT_EQ (first[1], 2);
-    EXPECT_EQ (V_Int (nullptr, &other.attribute, 0), first);    // The 129th call.
+    EXPECT_EQ (V_Int (nullptr, &other.attribute, 0), first); // The 129th call.
     EXPECT_EQ (first[0], 9);
 }
 
 TEST_F (NemaReadValue, TextsStayForTheCallsOfOneRound) {
     Value  one (VR_CS, "ONE\\TWO"), other (VR_CS, "X\\Y");
     char **first = V_Str (nullptr, &one.attribute, 0);
-    for (int call = 2; call <= VALUE_RING_SLOTS; call++) ASSERT_NE (V_Str (nullptr, &other.attribute, 0), first) << call;
+    for (int call = 2; call <= VALUE_RING_SLOTS; call++)
+        ASSERT_NE (V_Str (nullptr, &other.attribute, 0), first) << call;
     EXPECT_STREQ (first[0], "ONE");
     EXPECT_STREQ (first[1], "TWO");
     EXPECT_EQ (V_Str (nullptr, &other.attribute, 0), first);
@@ -433,7 +436,7 @@ TEST_F (NemaReadValue, RingIsAdvancedInTheProtectedRegion) {
     // Held by another thread: each call waits, reports and goes on.
     std::promise<System_Wait> held;
     std::promise<void>        done;
-    std::thread holder ([&] {
+    std::thread               holder ([&] {
         held.set_value (System_Mutex_Wait (mutex, 1000));
         done.get_future ().wait ();
         System_Mutex_Release (mutex);
@@ -457,12 +460,13 @@ TEST_F (NemaReadValue, RingIsAdvancedInTheProtectedRegion) {
 struct Failure {
     std::string message;
     int32_t     vm;
-    bool operator== (const Failure &other) const { return message == other.message && vm == other.vm; }
+    bool        operator== (const Failure &other) const { return message == other.message && vm == other.vm; }
 };
 
 static void PrintTo (const Failure &failure, std::ostream *out) { *out << failure.vm << ": " << failure.message; }
 
-template <typename Decoder> static std::vector<Failure> Failures (Log_Recorder *log, Attribute *attribute, Decoder decoder) {
+template <typename Decoder>
+static std::vector<Failure> Failures (Log_Recorder *log, Attribute *attribute, Decoder decoder) {
     std::vector<Failure> failures;
     for (long n = 1; n < 100; n++) {
         NEMA_Value_Rings_Free ();
@@ -547,13 +551,11 @@ protected:
         attribute.vr_file  = VR_LO;
         attribute.length   = 3000;
         attribute.pos_data = 10;
-        live = Memory_Live ();
+        live               = Memory_Live ();
     }
     ~NemaReadValueFrom () override { Value_Release (&attribute); }
 
-    void Register () {
-        NEMA_Source_Register (GetParam (), opened.source.name, opened.source.base, opened.source.size);
-    }
+    void Register () { NEMA_Source_Register (GetParam (), opened.source.name, opened.source.base, opened.source.size); }
 
     // A failure leaves no value behind.
     void Expect_None () {
@@ -594,7 +596,7 @@ TEST_P (NemaReadValueFrom, EveryDecoderLoads) {
     attribute.vr_file = VR_FL;
     EXPECT_EQ (Float (&attribute).size (), 750u);
     Value_Release (&attribute);
-    attribute.vr_file = VR_PN;      // Not decoded, but loaded.
+    attribute.vr_file = VR_PN; // Not decoded, but loaded.
     EXPECT_EQ (Str (&attribute), Texts {"none"});
     EXPECT_NE (attribute.data, nullptr);
 }
@@ -615,9 +617,13 @@ TEST_P (NemaReadValueFrom, NothingIsLoadedFromNowhere) {
 }
 
 TEST_P (NemaReadValueFrom, ValueBeyondTheEndIsReported) {
-    struct { uint32_t position; int32_t length; int left; } values[] = {
-        {11, 3000, 2999}, {2000, 1025, 1010}, {3010, 1025, 0}, {5000, 1025, 0}, {0xFFFFFFFF, 1025, 0},
-        {0, INT32_MAX, 3010},
+    struct {
+        uint32_t position;
+        int32_t  length;
+        int      left;
+    } values[] = {
+        {11, 3000, 2999}, {2000, 1025, 1010},    {3010, 1025, 0},
+        {5000, 1025, 0},  {0xFFFFFFFF, 1025, 0}, {0, INT32_MAX, 3010},
     };
     for (const auto &value : values) {
         log.Clear ();
@@ -631,7 +637,7 @@ TEST_P (NemaReadValueFrom, ValueBeyondTheEndIsReported) {
 }
 
 TEST_P (NemaReadValueFrom, FailedMemoryIsReported) {
-    long of_file = GetParam () == NEMA_FILE;      // An open file has a buffer.
+    long of_file = GetParam () == NEMA_FILE; // An open file has a buffer.
     Memory_Fail_At (1 + of_file);
     EXPECT_EQ (V_Str (nullptr, &attribute, 0), nullptr);
     EXPECT_EQ (Memory_Failed (), 1);
@@ -664,7 +670,8 @@ TEST_P (NemaReadValueFile, FileThatCannotBeOpenedIsReported) {
     EXPECT_EQ (log.lines[1].kind, LOG_TRACE1);
     EXPECT_EQ (log.lines[1].text.rfind ("file:NEMA_Read_Value line:", 0), 0u);
     EXPECT_EQ (log.lines[2].kind, LOG_WARNING);
-    EXPECT_EQ (log.lines[2].text, "\xF1\x04" "ERROR:\x02 Unable to open file");
+    EXPECT_EQ (log.lines[2].text, "\xF1\x04"
+                                  "ERROR:\x02 Unable to open file");
     EXPECT_EQ (log.lines[3].kind, LOG_WARNING);
     EXPECT_EQ (log.lines[3].text, Error_Text_Of (ERROR_CODE));
     EXPECT_EQ (log.lines[4].kind, LOG_WARNING);
@@ -688,7 +695,8 @@ TEST_P (NemaReadValueFile, FileWithoutANameIsNowhere) {
 TEST_P (NemaReadValueFile, FailedMoveIsReported) {
     File_Fail_At (FILE_SEEK, 1, ERROR_CODE);
     Expect_None ();
-    EXPECT_TRUE (log.Has (LOG_WARNING, "\xF1\x04" "ERROR:\x02 while seeking pos 10"));
+    EXPECT_TRUE (log.Has (LOG_WARNING, "\xF1\x04"
+                                       "ERROR:\x02 while seeking pos 10"));
     EXPECT_TRUE (log.Has (LOG_WARNING, Error_Text_Of (ERROR_CODE)));
     EXPECT_EQ (log.Count (LOG_TRACE1, "file:NEMA_Read_Value line:"), 1);
 }

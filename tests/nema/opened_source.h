@@ -18,7 +18,7 @@ Bytes From_Text (const std::string &text);
 
 class Opened_Source {
 public:
-    Opened_Source (int kind, const Bytes &bytes);   // Reports at LOG_WARNING.
+    Opened_Source (int kind, const Bytes &bytes); // Reports at LOG_WARNING.
     ~Opened_Source ();
     Opened_Source (const Opened_Source &)            = delete;
     Opened_Source &operator= (const Opened_Source &) = delete;
@@ -26,13 +26,13 @@ public:
     NEMA_Source source   = {};
     Settings    settings = {};
 
-    std::string Name () const;      // What messages call it.
+    std::string Name () const; // What messages call it.
     int64_t     Position () const;
 
 private:
     Temporary_Directory directory;
     std::string         path;
-    Bytes               bytes;      // In a block of its own size, so that the sanitizers see each byte too many.
+    Bytes               bytes; // In a block of its own size, so that the sanitizers see each byte too many.
 };
 
 // What Error_Text says about this code.

@@ -49,11 +49,11 @@ void Bytes_Order (int flags, const uint8_t *bytes, uint8_t *result, int size) {
 uint16_t Bytes_Swap_From_Short (int flags, const uint8_t *bytes) {
     uint8_t ordered[2];
     Bytes_Order (flags, bytes, ordered, 2);
-    return (uint16_t) (ordered[0] | ordered[1] << 8);
+    return (uint16_t)(ordered[0] | ordered[1] << 8);
 }
 
 uint32_t Bytes_Swap_From_Long (int flags, const uint8_t *bytes) {
     uint8_t ordered[4];
     Bytes_Order (flags, bytes, ordered, 4);
-    return (uint32_t) ordered[0] | (uint32_t) ordered[1] << 8 | (uint32_t) ordered[2] << 16 | (uint32_t) ordered[3] << 24;
+    return (uint32_t)ordered[0] | (uint32_t)ordered[1] << 8 | (uint32_t)ordered[2] << 16 | (uint32_t)ordered[3] << 24;
 }

@@ -8,8 +8,8 @@ static const char *const MODULE = "file";
 // --- faults made by tests --------------------------------------------------
 
 struct Fault {
-    long      countdown;
-    unsigned  error;
+    long     countdown;
+    unsigned error;
 };
 
 static Fault faults[FILE_OPERATIONS];
@@ -66,8 +66,8 @@ int64_t File_Tell (const File *file) { return Fails_Now (FILE_TELL) ? -1 : file-
 // As many of the count bytes at position as the buffer holds from there on.
 static size_t Take_Buffered (const File *file, int64_t position, char *destination, size_t count) {
     int64_t offset = position - file->buffer_start;
-    if (offset < 0 || (uint64_t) offset >= file->buffer_count) return 0;
-    size_t there = file->buffer_count - (size_t) offset;
+    if (offset < 0 || (uint64_t)offset >= file->buffer_count) return 0;
+    size_t there = file->buffer_count - (size_t)offset;
     if (there > count) there = count;
     memcpy (destination, file->buffer + offset, there);
     return there;
@@ -78,21 +78,21 @@ static int Fill (File *file, int64_t position) {
     int64_t got        = System_File_Read (file->system, position, file->buffer, sizeof file->buffer);
     if (got < 0) return 0;
     file->buffer_start = position;
-    file->buffer_count = (size_t) got;
+    file->buffer_count = (size_t)got;
     return 1;
 }
 
 // Bytes delivered, or -1. Leaves the position alone.
 static int64_t Read_At (File *file, int64_t position, char *destination, size_t count) {
     size_t done = Take_Buffered (file, position, destination, count);
-    if (done == count) return (int64_t) count;
+    if (done == count) return (int64_t)count;
     if (count - done >= sizeof file->buffer) {
-        int64_t got = System_File_Read (file->system, position + (int64_t) done, destination + done, count - done);
-        return got < 0 ? -1 : (int64_t) done + got;
+        int64_t got = System_File_Read (file->system, position + (int64_t)done, destination + done, count - done);
+        return got < 0 ? -1 : (int64_t)done + got;
     }
-    if (!Fill (file, position + (int64_t) done)) return -1;
-    done += Take_Buffered (file, position + (int64_t) done, destination + done, count - done);
-    return (int64_t) done;
+    if (!Fill (file, position + (int64_t)done)) return -1;
+    done += Take_Buffered (file, position + (int64_t)done, destination + done, count - done);
+    return (int64_t)done;
 }
 
 int64_t File_Read (File *file, void *destination, size_t count) {
@@ -100,7 +100,7 @@ int64_t File_Read (File *file, void *destination, size_t count) {
         if (faults[FILE_READ].error) return -1;
         count /= 2;
     }
-    if (count > (uint64_t) (INT64_MAX - file->position)) count = (size_t) (INT64_MAX - file->position);
+    if (count > (uint64_t)(INT64_MAX - file->position)) count = (size_t)(INT64_MAX - file->position);
     int64_t got = Read_At (file, file->position, static_cast<char *> (destination), count);
     if (got > 0) file->position += got;
     return got;
@@ -108,6 +108,6 @@ int64_t File_Read (File *file, void *destination, size_t count) {
 
 int File_Map (File *file, size_t length, System_Mapping *mapping) {
     if (Fails_Now (FILE_MAP) || !System_File_Map (file->system, file->position, length, mapping)) return 0;
-    file->position += (int64_t) length;
+    file->position += (int64_t)length;
     return 1;
 }

@@ -5,9 +5,9 @@
 #include "util/error_text.h"
 #include "util/my_error_fct.h"
 
-static System_Mutex      *region;
-static int                patience;         // Milliseconds.
-static Mutex_Access_Wait  region_wait;
+static System_Mutex     *region;
+static int               patience; // Milliseconds.
+static Mutex_Access_Wait region_wait;
 
 void Mutex_Access_Start (void) {
     if (!region) return;
@@ -18,7 +18,8 @@ void Mutex_Access_Start (void) {
         Log_Message (nullptr, LOG_WARNING, "+**********Critical Section access deadlock ****** ");
         break;
     case SYSTEM_WAIT_FAILED:
-        Log_Message (nullptr, LOG_WARNING, "Failed in WaitForSingleObject \"%s\" (%s)", "Protected Region", Error_Text (0));
+        Log_Message (nullptr, LOG_WARNING, "Failed in WaitForSingleObject \"%s\" (%s)", "Protected Region",
+                     Error_Text (0));
         break;
     }
 }

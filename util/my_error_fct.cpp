@@ -18,24 +18,29 @@ static const char *const LIBRARY  = "Kestrelbay_Util";
 static const char *const VERSION  = "21.7";
 static const char *const REVISION = "1";
 
-static const int LINE_SIZE    = LOG_TEXT_SIZE + 128;    // A text with its prefix, indent and end.
+static const int LINE_SIZE    = LOG_TEXT_SIZE + 128; // A text with its prefix, indent and end.
 static const int TIME_SIZE    = 64;
 static const int LAST_ROLLING = 999;
 
 // --- settings and state ----------------------------------------------------
 
+// clang-format off
 static const Log_Settings LIBRARY_DEFAULTS = {
-    0, 2, 0, "", "trace.dat", "audit.dat", "Kestrelbay.err", 0, "No Name", "Demo", "", ""};
+    0, 2, 0,                                        // Trace level, audit mode, mute.
+    "", "trace.dat", "audit.dat", "Kestrelbay.err", // Scratch directory and file names.
+    0,                                              // Rolling limit.
+    "No Name", "Demo", "", ""};                     // Program name, version, identifier, date.
+// clang-format on
 
 Log_Settings Log = LIBRARY_DEFAULTS;
 
-static Log_Sink               sink;
-static Log_List               list;
-static std::atomic<int>       error_log_begun;
-static std::atomic<int>       scratch_reported;
-static thread_local int       opening;      // A report from below Log_File_Open must not open a file again.
-static char                   ring[LOG_RING_SLOTS][LOG_RING_SIZE];
-static std::atomic<uint16_t>  ring_next;    // Runs on past the last slot; the slot is the rest of its division.
+static Log_Sink              sink;
+static Log_List              list;
+static std::atomic<int>      error_log_begun;
+static std::atomic<int>      scratch_reported;
+static thread_local int      opening; // A report from below Log_File_Open must not open a file again.
+static char                  ring[LOG_RING_SLOTS][LOG_RING_SIZE];
+static std::atomic<uint16_t> ring_next; // Runs on past the last slot; the slot is the rest of its division.
 
 void Log_Settings_Reset (void) {
     Log              = LIBRARY_DEFAULTS;
@@ -108,8 +113,8 @@ static int Has_Room (const char *path) {
 
 // The full name of the file, numbered when files roll. 0 when it is too long.
 static int File_Path (const Text_Path *pieces, const char *directory, char *path, size_t size) {
-    int base      = (int) pieces->base_length;
-    int extension = (int) pieces->extension_length;
+    int base      = (int)pieces->base_length;
+    int extension = (int)pieces->extension_length;
     int number    = 0;
     int length;
     if (base + extension >= LOG_PATH_SIZE) return 0;
@@ -118,7 +123,7 @@ static int File_Path (const Text_Path *pieces, const char *directory, char *path
             length = snprintf (path, size, "%s%.*s_%03d%.*s", directory, base, pieces->base, number, extension,
                                pieces->extension);
         else length = snprintf (path, size, "%s%.*s%.*s", directory, base, pieces->base, extension, pieces->extension);
-        if (length < 0 || (size_t) length >= size) return 0;
+        if (length < 0 || (size_t)length >= size) return 0;
     } while (Log.rolling_limit && !Has_Room (path) && number++ < LAST_ROLLING);
     return 1;
 }
@@ -211,7 +216,7 @@ enum Audit_Form { AUDIT_NONE, AUDIT_TIMED, AUDIT_TRIMMED, AUDIT_ALWAYS };
 // How a kind's line looks on the console and in the trace file, and from which negative level on the trace file gets it
 // (positive levels always do). The blanks differ from place to place; tools that read the files know them so.
 struct Route {
-    const char *console;        // None: not there.
+    const char *console; // None: not there.
     const char *console_end;
     const char *trace;
     int         lowest;
@@ -390,7 +395,8 @@ const char *Log_System_Name (int platform, int major, int minor) {
 static void Banner_Program (void) {
     char now[TIME_SIZE];
     Local_Time ("%d %b %Y %H:%M", now);
-    Log_Message (nullptr, LOG_TRACE1, "==== ==== %s %s ==== (%s) ==== ====", Log.program_name, Log.program_version, now);
+    Log_Message (nullptr, LOG_TRACE1, "==== ==== %s %s ==== (%s) ==== ====", Log.program_name, Log.program_version,
+                 now);
     Log_Message (nullptr, LOG_TRACE1, "");
     Log_Message (nullptr, LOG_TRACE1, "Prog_ID:      %s", Log.program_identifier);
     Log_Message (nullptr, LOG_TRACE1, "Prog_Date:    %s", Log.program_date);
@@ -414,7 +420,8 @@ static void Banner_System (const System_Version *version) {
     Log_Message (nullptr, LOG_TRACE1, "                version %d.%d (Build %d)", version->major, version->minor,
                  version->build);
     if (version->has_service_pack)
-        Log_Message (nullptr, LOG_TRACE1, "                Service Pack %d.%d", version->pack_major, version->pack_minor);
+        Log_Message (nullptr, LOG_TRACE1, "                Service Pack %d.%d", version->pack_major,
+                     version->pack_minor);
 }
 
 void Log_Banner_From (const Log_Facts *facts) {
@@ -427,7 +434,8 @@ void Log_Banner_From (const Log_Facts *facts) {
     if (!facts->version (&version)) return;
     Banner_System (&version);
     facts->processor (&processor);
-    Log_Message (nullptr, LOG_TRACE1, "Processor:      %u x %u (OEM ID: %u)", processor.count, processor.type, processor.oem);
+    Log_Message (nullptr, LOG_TRACE1, "Processor:      %u x %u (OEM ID: %u)", processor.count, processor.type,
+                 processor.oem);
     Log_Message (nullptr, LOG_TRACE1, "");
     Log_Message (nullptr, LOG_TRACE1, "-----------------------");
 }

@@ -50,7 +50,7 @@ void Text_Append (char *buffer, size_t size, size_t *used, const char *format, .
     int length = vsnprintf (buffer + *used, size - *used, format, arguments);
     va_end (arguments);
     if (length < 0) buffer[*used] = 0;
-    else *used += (size_t) length < size - *used ? (size_t) length : size - *used - 1;
+    else *used += (size_t)length < size - *used ? (size_t)length : size - *used - 1;
 }
 
 int Text_Copy (char *destination, size_t size, const char *source) {
@@ -69,7 +69,7 @@ int64_t Text_To_Long (const char *text) { return strtoll (text, nullptr, 10); }
 int32_t Text_To_Integer (const char *text) {
     int64_t number = Text_To_Long (text);
     if (number > INT32_MAX) return INT32_MAX;
-    return number < INT32_MIN ? INT32_MIN : (int32_t) number;
+    return number < INT32_MIN ? INT32_MIN : (int32_t)number;
 }
 
 // strtod alone would also read "inf", "nan" and hexadecimal digits, and give infinity for what is too large.
@@ -84,7 +84,7 @@ double Text_To_Double (const char *text) {
 }
 
 int32_t Text_Truncate (double number) {
-    return number > -2147483649.0 && number < 2147483648.0 ? (int32_t) number : INT32_MIN;
+    return number > -2147483649.0 && number < 2147483648.0 ? (int32_t)number : INT32_MIN;
 }
 
 // Where a drive ("C:") is part of a path, the name begins behind its colon.
@@ -100,5 +100,5 @@ void Text_Split_Path (const char *path, Text_Path *pieces) {
     const char *dot = end;
     for (const char *c = base + 1; c < end; c++)
         if (*c == '.') dot = c;
-    *pieces = {path, (size_t) (base - path), base, (size_t) (dot - base), dot, (size_t) (end - dot)};
+    *pieces = {path, (size_t)(base - path), base, (size_t)(dot - base), dot, (size_t)(end - dot)};
 }

@@ -10,10 +10,10 @@
 #include "util/mutex_access.h"
 
 struct Tokenizer_Slot {
-    int       taken;
-    uint64_t  thread;
-    char     *text;         // Borrowed from the caller who started the scan.
-    size_t    position;     // Where the next token is looked for.
+    int      taken;
+    uint64_t thread;
+    char    *text;     // Borrowed from the caller who started the scan.
+    size_t   position; // Where the next token is looked for.
 };
 
 static Tokenizer_Slot slots[TOKENIZER_SLOTS];
@@ -39,7 +39,7 @@ static char *Scan (Tokenizer_Slot *slot, const char *delimiters) {
     char *end = start;
     for (; *end && (quoted || !Is_Delimiter (*end, delimiters)); end++)
         if (*end == '"') quoted = !quoted;
-    slot->position = (size_t) (end - slot->text) + (*end ? 1 : 0);
+    slot->position = (size_t)(end - slot->text) + (*end ? 1 : 0);
     *end           = 0;
     return end > start ? start : nullptr;
 }

@@ -48,7 +48,7 @@ int Directory_Make (Window window, const char *path) {
     size_t limit  = System_Directory_Limit ();
     if (length > limit || !Copy_Plain (path, plain, sizeof plain)) {
         Log_Message (window, LOG_TRACE1, "File:%s, Line:%d", MODULE, __LINE__);
-        Log_Message (window, LOG_WARNING, "Path too long (%d char > max=%d)", (int) length, (int) limit);
+        Log_Message (window, LOG_WARNING, "Path too long (%d char > max=%d)", (int)length, (int)limit);
         return 0;
     }
     if (!plain[0]) return 0;

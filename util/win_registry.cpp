@@ -9,14 +9,14 @@
 
 static const char *const MODULE = "win_registry";
 
-static const size_t VALUE_SIZE = 771;   // Bytes of a path in the registry that are read.
+static const size_t VALUE_SIZE = 771; // Bytes of a path in the registry that are read.
 
 // What a message names when something fails.
 struct Request {
-    Window                  window;
-    const Registry_Access  *access;
-    const char             *program;    // As the caller gave it.
-    const char             *result;
+    Window                 window;
+    const Registry_Access *access;
+    const char            *program; // As the caller gave it.
+    const char            *result;
 };
 
 static void Report (const Request *request, int line, const char *what, const char *key, unsigned error) {

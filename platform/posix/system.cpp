@@ -41,7 +41,7 @@ size_t System_Directory_Limit (void) { return PATH_MAX - 1; }
 // first, middle and last, one behind the other. 0 when they do not fit.
 static int Join (char *result, size_t size, const char *first, const char *middle, const char *last) {
     int length = snprintf (result, size, "%s%s%s", first, middle, last);
-    if (length >= 0 && (size_t) length < size) return 1;
+    if (length >= 0 && (size_t)length < size) return 1;
     if (size) result[0] = 0;
     errno = ENAMETOOLONG;
     return 0;
@@ -59,9 +59,9 @@ static int Is_Data_Folder (const char *folder) {
 // The folder of the running program, with its separator.
 static int Program_Folder (char *result, size_t size) {
     ssize_t length = readlink ("/proc/self/exe", result, size);
-    if (length <= 0 || (size_t) length >= size) return 0;
+    if (length <= 0 || (size_t)length >= size) return 0;
     result[length] = 0;
-    char *last = strrchr (result, '/');
+    char *last     = strrchr (result, '/');
     if (!last) return 0;
     last[1] = 0;
     return 1;
@@ -92,7 +92,7 @@ int System_User_Data_Path (char *result, size_t size) {
     const char *directory = Environment ("APPDATA");
     if (directory) return Path_From (result, size, directory, "");
     directory = Environment ("XDG_DATA_HOME");
-    if (directory && directory[0] == '/') return Path_From (result, size, directory, "");   // A relative one is invalid.
+    if (directory && directory[0] == '/') return Path_From (result, size, directory, ""); // A relative one is invalid.
     directory = Environment ("HOME");
     if (directory) return Path_From (result, size, directory, ".local/share/");
     if (size) result[0] = 0;
@@ -102,7 +102,7 @@ int System_User_Data_Path (char *result, size_t size) {
 
 int System_Scratch_Path (char *result, size_t size) {
     char user[24];
-    snprintf (user, sizeof user, "%u", (unsigned) geteuid ());
+    snprintf (user, sizeof user, "%u", (unsigned)geteuid ());
     return Join (result, size, "/tmp/tagwright-", user, "/");
 }
 
@@ -121,7 +121,7 @@ int System_File_Exists (const char *path) {
 // 1 for a regular file; else the last error says what it is instead.
 static int Is_Regular (const struct stat *facts) {
     if (S_ISREG (facts->st_mode)) return 1;
-    errno = S_ISDIR (facts->st_mode) ? EISDIR : (int) NOT_A_REGULAR_FILE;
+    errno = S_ISDIR (facts->st_mode) ? EISDIR : (int)NOT_A_REGULAR_FILE;
     return 0;
 }
 
@@ -144,7 +144,7 @@ int System_Directory_Make (const char *path) {
 int System_File_Delete (const char *path) { return !unlink (path); }
 
 int System_Private_Directory_Make (const char *path) {
-    char   plain[SYSTEM_PATH_SIZE];     // A separator at the end would make lstat follow a symbolic link.
+    char   plain[SYSTEM_PATH_SIZE]; // A separator at the end would make lstat follow a symbolic link.
     size_t length = strlen (path);
     while (length > 1 && path[length - 1] == '/') length--;
     if (length >= sizeof plain) {
@@ -183,15 +183,15 @@ struct View {
 static const int VIEWS_IN_BLOCK = 64;
 
 struct View_Block {
-    View                       views[VIEWS_IN_BLOCK];
-    std::atomic<View_Block *>  next;
+    View                      views[VIEWS_IN_BLOCK];
+    std::atomic<View_Block *> next;
 };
 
-static View_Block        view_blocks;
-static pthread_mutex_t   view_lock = PTHREAD_MUTEX_INITIALIZER;
-static std::atomic<int>  map_faults;
-static int               guard_installed;
-static struct sigaction  guard_previous;
+static View_Block       view_blocks;
+static pthread_mutex_t  view_lock = PTHREAD_MUTEX_INITIALIZER;
+static std::atomic<int> map_faults;
+static int              guard_installed;
+static struct sigaction guard_previous;
 
 static int Is_In_View (uintptr_t address) {
     for (View_Block *block = &view_blocks; block; block = block->next.load ())
@@ -208,8 +208,8 @@ static void Pass_On (int number, siginfo_t *information, void *context) {
     } else if (guard_previous.sa_handler != SIG_DFL && guard_previous.sa_handler != SIG_IGN) {
         guard_previous.sa_handler (number);
     } else if (information->si_code > 0) {
-        sigaction (SIGBUS, &guard_previous, nullptr);   // The access happens again, and meets what stood here before.
-    } else if (guard_previous.sa_handler == SIG_DFL) {  // Sent by a process: it does not happen again by itself.
+        sigaction (SIGBUS, &guard_previous, nullptr);  // The access happens again, and meets what stood here before.
+    } else if (guard_previous.sa_handler == SIG_DFL) { // Sent by a process: it does not happen again by itself.
         sigaction (SIGBUS, &guard_previous, nullptr);
         raise (SIGBUS);
     }
@@ -218,10 +218,10 @@ static void Pass_On (int number, siginfo_t *information, void *context) {
 // Runs in the middle of any access: only calls that are safe there.
 static void Guard (int number, siginfo_t *information, void *context) {
     int       error   = errno;
-    uintptr_t address = (uintptr_t) information->si_addr;
-    uintptr_t page    = (uintptr_t) sysconf (_SC_PAGESIZE);
+    uintptr_t address = (uintptr_t)information->si_addr;
+    uintptr_t page    = (uintptr_t)sysconf (_SC_PAGESIZE);
     if (information->si_code > 0 && Is_In_View (address)) {
-        void *start = (void *) (address / page * page);
+        void *start = (void *)(address / page * page);
         if (mmap (start, page, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0) == start) {
             map_faults++;
             errno = error;
@@ -264,8 +264,8 @@ static View *View_Create (int descriptor, size_t size) {
     void *base = mmap (nullptr, size, PROT_READ, MAP_PRIVATE, descriptor, 0);
     if (base == MAP_FAILED) return nullptr;
     view->uses = 1;
-    view->start.store ((uintptr_t) base);
-    view->end.store ((uintptr_t) base + size);
+    view->start.store ((uintptr_t)base);
+    view->end.store ((uintptr_t)base + size);
     return view;
 }
 
@@ -274,7 +274,7 @@ static void View_Release (View *view) {
     uintptr_t start = view->start.load ();
     uintptr_t end   = view->end.load ();
     view->end.store (0);
-    munmap ((void *) start, end - start);
+    munmap ((void *)start, end - start);
 }
 
 static View *View_Find (uintptr_t start) {
@@ -289,9 +289,9 @@ int System_Map_Faults (void) { return map_faults.exchange (0); }
 // --- reading files ---------------------------------------------------------
 
 struct System_File {
-    int      descriptor;
-    int64_t  size;
-    View    *view;      // None until something is mapped; the file holds one use of it.
+    int     descriptor;
+    int64_t size;
+    View   *view; // None until something is mapped; the file holds one use of it.
 };
 
 // What is no regular file is refused before it is opened, since opening a device can already do something. It may be
@@ -335,34 +335,34 @@ void System_File_Close (System_File *file) {
 int64_t System_File_Size (const System_File *file) { return file->size; }
 
 int64_t System_File_Read (System_File *file, int64_t position, void *destination, size_t count) {
-    static const size_t LARGEST = 1 << 30;      // The system reads at most some 2 GB at once.
+    static const size_t LARGEST = 1 << 30; // The system reads at most some 2 GB at once.
 
     char  *bytes = static_cast<char *> (destination);
     size_t done  = 0;
     while (done < count) {
         size_t  part = count - done < LARGEST ? count - done : LARGEST;
-        ssize_t got  = pread (file->descriptor, bytes + done, part, position + (int64_t) done);
+        ssize_t got  = pread (file->descriptor, bytes + done, part, position + (int64_t)done);
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) return -1;
         if (!got) break;
-        done += (size_t) got;
+        done += (size_t)got;
     }
-    return (int64_t) done;
+    return (int64_t)done;
 }
 
 int System_File_Map (System_File *file, int64_t position, size_t length, System_Mapping *mapping) {
-    if (position < 0 || position > file->size || !length || length > (uint64_t) (file->size - position)) {
+    if (position < 0 || position > file->size || !length || length > (uint64_t)(file->size - position)) {
         errno = EINVAL;
         return 0;
     }
     pthread_mutex_lock (&view_lock);
-    if (!file->view) file->view = View_Create (file->descriptor, (size_t) file->size);
+    if (!file->view) file->view = View_Create (file->descriptor, (size_t)file->size);
     View *view = file->view;
     if (view) view->uses++;
     pthread_mutex_unlock (&view_lock);
     if (!view) return 0;
-    mapping->base  = (void *) view->start.load ();
-    mapping->size  = (size_t) file->size;
+    mapping->base  = (void *)view->start.load ();
+    mapping->size  = (size_t)file->size;
     mapping->bytes = static_cast<const uint8_t *> (mapping->base) + position;
     return 1;
 }
@@ -370,7 +370,7 @@ int System_File_Map (System_File *file, int64_t position, size_t length, System_
 void System_File_Unmap (System_Mapping *mapping) {
     if (!mapping->base) return;
     pthread_mutex_lock (&view_lock);
-    View *view = View_Find ((uintptr_t) mapping->base);
+    View *view = View_Find ((uintptr_t)mapping->base);
     if (view) View_Release (view);
     pthread_mutex_unlock (&view_lock);
     *mapping = {};
@@ -396,7 +396,7 @@ int System_Version_Get (System_Version *version) {
 void System_Processor_Get (System_Processor *processor) {
     long           count = sysconf (_SC_NPROCESSORS_ONLN);
     struct utsname names;
-    processor->count = count > 0 ? (unsigned) count : 1;
+    processor->count = count > 0 ? (unsigned)count : 1;
     processor->type  = 0;
     processor->oem   = 0xFFFF;
     if (uname (&names) < 0) return;
@@ -417,14 +417,14 @@ int System_Console_Open (void) {
 
 // --- errors ----------------------------------------------------------------
 
-unsigned System_Last_Error (void) { return (unsigned) errno; }
+unsigned System_Last_Error (void) { return (unsigned)errno; }
 
-void System_Last_Error_Set (unsigned code) { errno = (int) code; }
+void System_Last_Error_Set (unsigned code) { errno = (int)code; }
 
 // What stands above the low 16 bits says where a code came from, as on Windows; the error itself stands in them.
 int System_Error_Message (unsigned code, char *result, size_t size) {
     unsigned    error = code & 0xFFFF;
-    const char *text  = error == NOT_A_REGULAR_FILE ? "Not a regular file" : strerror ((int) error);
+    const char *text  = error == NOT_A_REGULAR_FILE ? "Not a regular file" : strerror ((int)error);
     if (!strncmp (text, "Unknown error", 13)) return 0;
     snprintf (result, size, "%s", text);
     return 1;
@@ -433,7 +433,7 @@ int System_Error_Message (unsigned code, char *result, size_t size) {
 // --- threads ---------------------------------------------------------------
 
 // The system's own number: pthread's is given to the next thread as soon as one has ended.
-uint64_t System_Thread_Identifier (void) { return (uint64_t) gettid (); }
+uint64_t System_Thread_Identifier (void) { return (uint64_t)gettid (); }
 
 struct System_Mutex {
     pthread_mutex_t mutex;

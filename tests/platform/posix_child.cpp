@@ -44,7 +44,7 @@ static int Touch (const volatile unsigned char *byte) { return *byte; }
 static int Guard (const std::string &fault, const char *name) {
     System_Mapping mapping = {};
     System_File   *file    = System_File_Open (name);
-    if (!file || !System_File_Map (file, 0, (size_t) System_File_Size (file), &mapping)) return 3;
+    if (!file || !System_File_Map (file, 0, (size_t)System_File_Size (file), &mapping)) return 3;
     int   descriptor = open (name, O_RDONLY);
     void *foreign    = mmap (nullptr, mapping.size, PROT_READ, MAP_PRIVATE, descriptor, 0);
     if (truncate (name, 0) || foreign == MAP_FAILED) return 3;

@@ -209,7 +209,8 @@ TEST_F (PosixFiles, IsDirectory) {
 }
 
 TEST_F (PosixFiles, FileExistsSetsTheErrorWhenNot) {
-    for (const char *there : {"file", "link", "directory", "fifo", "socket"}) EXPECT_EQ (System_File_Exists (Path (there).c_str ()), 1);
+    for (const char *there : {"file", "link", "directory", "fifo", "socket"})
+        EXPECT_EQ (System_File_Exists (Path (there).c_str ()), 1);
     System_Last_Error_Set (0);
     EXPECT_EQ (System_File_Exists (Path ("none").c_str ()), 0);
     EXPECT_EQ (System_Last_Error (), static_cast<unsigned> (ENOENT));
@@ -222,7 +223,8 @@ TEST_F (PosixFiles, SizeOfRegularFilesOnly) {
     int64_t size = -1;
     EXPECT_EQ (System_File_Size_Of (name.c_str (), &size), 1);
     EXPECT_EQ (size, 12);
-    for (const char *other : {"directory", "fifo", "socket", "none"}) EXPECT_EQ (System_File_Size_Of (Path (other).c_str (), &size), 0);
+    for (const char *other : {"directory", "fifo", "socket", "none"})
+        EXPECT_EQ (System_File_Size_Of (Path (other).c_str (), &size), 0);
 }
 
 TEST_F (PosixFiles, DirectoryMakeIsOneLevel) {
@@ -269,7 +271,7 @@ TEST_F (PosixFiles, PrivateDirectoryIsRefusedWhenPlanted) {
 }
 
 TEST_F (PosixFiles, PrivateDirectoryOfAnotherUserIsRefused) {
-    std::string others = "/usr/";       // The superuser's; as superuser, one that is given away.
+    std::string others = "/usr/"; // The superuser's; as superuser, one that is given away.
     if (!geteuid ()) {
         others = Path ("directory");
         ASSERT_EQ (chown (others.c_str (), 54321, 54321), 0);
@@ -293,7 +295,8 @@ TEST_F (PosixFiles, OpenTakesRegularFilesAndLinksToThem) {
 TEST_F (PosixFiles, OpenRefusesWhatIsNoRegularFileWithoutWaiting) {
     EXPECT_EQ (System_File_Open (Path ("directory").c_str ()), nullptr);
     EXPECT_STREQ (Error_Text (0), "[ERROR_DIRECTORY_NOT_SUPPORTED] Is a directory");
-    for (const std::string &other : {Path ("fifo"), Path ("socket"), std::string ("/dev/null"), std::string ("/dev/zero")}) {
+    for (const std::string &other :
+         {Path ("fifo"), Path ("socket"), std::string ("/dev/null"), std::string ("/dev/zero")}) {
         EXPECT_EQ (System_File_Open (other.c_str ()), nullptr) << other;
         EXPECT_STREQ (Error_Text (0), "[ERROR_BAD_FILE_TYPE] Not a regular file") << other;
     }
@@ -319,7 +322,8 @@ TEST_F (PosixFiles, OpenFilesAreNotInherited) {
     int          found = 0;
     for (int descriptor = 3; descriptor < 100; descriptor++) {
         struct stat one, other;
-        if (fstat (descriptor, &one) || stat (name.c_str (), &other) || one.st_ino != other.st_ino || one.st_dev != other.st_dev)
+        if (fstat (descriptor, &one) || stat (name.c_str (), &other) || one.st_ino != other.st_ino ||
+            one.st_dev != other.st_dev)
             continue;
         found++;
         EXPECT_TRUE (fcntl (descriptor, F_GETFD) & FD_CLOEXEC);
@@ -356,7 +360,7 @@ TEST_F (PosixFiles, MapRefusesWhatIsNotInTheFile) {
     EXPECT_EQ (System_File_Map (file, 12, 1, &mapping), 0);
     EXPECT_EQ (System_File_Map (file, INT64_MAX, SIZE_MAX, &mapping), 0);
     EXPECT_EQ (System_Last_Error (), static_cast<unsigned> (EINVAL));
-    std::filesystem::resize_file (name, 100);       // Grown since it was opened.
+    std::filesystem::resize_file (name, 100); // Grown since it was opened.
     EXPECT_EQ (System_File_Map (file, 0, 13, &mapping), 0);
     EXPECT_EQ (System_File_Map (file, 11, 1, &mapping), 1);
     EXPECT_EQ (mapping.bytes[0], 's');
@@ -389,7 +393,7 @@ TEST_F (PosixFiles, ShrunkFileReadsAsZeroAndIsCounted) {
     EXPECT_EQ (zero, 3 * PAGE + PAGE / 2);
     EXPECT_EQ (System_Map_Faults (), 3);
     EXPECT_EQ (System_Map_Faults (), 0);
-    EXPECT_EQ (mapping.bytes[4 * PAGE], 0);     // The page is there now.
+    EXPECT_EQ (mapping.bytes[4 * PAGE], 0); // The page is there now.
     EXPECT_EQ (System_Map_Faults (), 0);
     System_File_Unmap (&mapping);
     System_File_Close (file);
@@ -398,7 +402,8 @@ TEST_F (PosixFiles, ShrunkFileReadsAsZeroAndIsCounted) {
 TEST_F (PosixFiles, ShrunkFileIsFoundAmongManyViews) {
     std::vector<System_Mapping> mappings (300);
     for (size_t i = 0; i < mappings.size (); i++) {
-        System_File *file = System_File_Open (directory.Write ("f" + std::to_string (i), std::string (2 * PAGE, 'x')).c_str ());
+        System_File *file =
+            System_File_Open (directory.Write ("f" + std::to_string (i), std::string (2 * PAGE, 'x')).c_str ());
         ASSERT_EQ (System_File_Map (file, 1, 2 * PAGE - 1, &mappings[i]), 1);
         System_File_Close (file);
     }
@@ -412,7 +417,7 @@ TEST_F (PosixFiles, ShrunkFileIsFoundAmongManyViews) {
 }
 
 TEST_F (PosixFiles, MappingsOfAFileShareOneView) {
-    System_File   *file = System_File_Open (name.c_str ());
+    System_File   *file  = System_File_Open (name.c_str ());
     System_Mapping first = {}, second = {};
     ASSERT_EQ (System_File_Map (file, 0, 6, &first), 1);
     ASSERT_EQ (System_File_Map (file, 7, 5, &second), 1);
@@ -430,7 +435,8 @@ protected:
     std::string Run (const std::string &previous, const std::string &fault) {
         std::string name   = directory.Write ("mapped", std::string (100, 'x'));
         int         status = 0;
-        std::string text   = Output (std::string ("exec ") + PLATFORM_CHILD + " guard " + previous + " " + fault + " " + name, &status);
+        std::string text =
+            Output (std::string ("exec ") + PLATFORM_CHILD + " guard " + previous + " " + fault + " " + name, &status);
         return WIFSIGNALED (status) ? "signal " + std::to_string (WTERMSIG (status)) : text;
     }
 
@@ -439,7 +445,8 @@ protected:
 };
 
 TEST_F (PosixGuard, OurFaultsGoOnWhoeverWasThereBefore) {
-    for (const char *previous : {"default", "ignore", "plain", "full"}) EXPECT_EQ (Run (previous, "ours"), "went on with 0") << previous;
+    for (const char *previous : {"default", "ignore", "plain", "full"})
+        EXPECT_EQ (Run (previous, "ours"), "went on with 0") << previous;
 }
 
 TEST_F (PosixGuard, OtherFaultsGoToThePreviousHandler) {
@@ -474,7 +481,8 @@ TEST (PosixSystem, VersionIsTheKernels) {
     uname (&names);
     EXPECT_EQ (version.platform, 3);
     EXPECT_EQ (version.major, atoi (names.release));
-    EXPECT_EQ (std::string (names.release).find (std::to_string (version.major) + "." + std::to_string (version.minor)), 0u);
+    EXPECT_EQ (std::string (names.release).find (std::to_string (version.major) + "." + std::to_string (version.minor)),
+               0u);
     EXPECT_EQ (version.has_service_pack, 0);
 }
 
@@ -494,7 +502,7 @@ TEST (PosixSystem, ConsoleIsUnbufferedStandardOutput) {
                    dup2 (ends[1], 1);
                    if (!System_Console_Open ()) return 2;
                    printf ("at once");
-                   return 0;        // By _exit, which writes out nothing.
+                   return 0; // By _exit, which writes out nothing.
                }),
                0);
     char text[8] = "";
@@ -607,7 +615,7 @@ TEST (PosixSystem, MutexWaitsNoLongerThanAsked) {
     EXPECT_EQ (negative, SYSTEM_WAIT_TIMEOUT);
     EXPECT_EQ (some, SYSTEM_WAIT_TIMEOUT);
     System_Mutex_Release (mutex);
-    System_Mutex_Release (mutex);       // Once too often does no harm.
+    System_Mutex_Release (mutex); // Once too often does no harm.
     System_Mutex_Destroy (mutex);
     System_Mutex_Destroy (nullptr);
 }

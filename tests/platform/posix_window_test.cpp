@@ -26,7 +26,8 @@ TEST (PosixWindow, BoxesGoToStandardError) {
 }
 
 TEST (PosixWindow, QuestionsAreAnsweredNo) {
-    EXPECT_EQ (Written ([] { EXPECT_EQ (Window_Question_Box (nullptr, "go on?", "Program"), 0); }), "Program\ngo on?\n");
+    EXPECT_EQ (Written ([] { EXPECT_EQ (Window_Question_Box (nullptr, "go on?", "Program"), 0); }),
+               "Program\ngo on?\n");
 }
 
 TEST (PosixWindow, HookShowsBoxesInsteadAndAnswers) {

@@ -75,7 +75,7 @@ TEST (Bytes, OrderBySizeAndFlags) {
 }
 
 TEST (Bytes, SwapFromGivesNumbers) {
-    static const uint8_t bytes[] = {0, 0x81, 0x02, 0x03, 0xF4};     // Read from an odd place: nothing is aligned.
+    static const uint8_t bytes[] = {0, 0x81, 0x02, 0x03, 0xF4}; // Read from an odd place: nothing is aligned.
 
     EXPECT_EQ (Bytes_Swap_From_Short (0, bytes + 1), 0x0281);
     EXPECT_EQ (Bytes_Swap_From_Short (1, bytes + 1), 0x8102);

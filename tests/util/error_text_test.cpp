@@ -9,7 +9,9 @@
 
 #include "platform/system.h"
 
-static bool Begins (const std::string &text, const std::string &start) { return text.compare (0, start.size (), start) == 0; }
+static bool Begins (const std::string &text, const std::string &start) {
+    return text.compare (0, start.size (), start) == 0;
+}
 
 TEST (ErrorText, NameBlankAndMessage) {
     std::string text = Error_Text (2);
@@ -19,7 +21,8 @@ TEST (ErrorText, NameBlankAndMessage) {
 }
 
 TEST (ErrorText, FacilityStandsFirst) {
-    EXPECT_TRUE (Begins (Error_Text (0x80070002), "(facility=Win32) [ERROR_FILE_NOT_FOUND] ")) << Error_Text (0x80070002);
+    EXPECT_TRUE (Begins (Error_Text (0x80070002), "(facility=Win32) [ERROR_FILE_NOT_FOUND] "))
+        << Error_Text (0x80070002);
 }
 
 TEST (ErrorText, ZeroIsTheThreadsLastError) {

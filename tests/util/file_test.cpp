@@ -28,7 +28,8 @@ protected:
         std::vector<unsigned char> bytes (count + 1, 0xEE);
         int64_t                    got = File_Read (file, bytes.data (), count);
         for (int64_t i = 0; i < got; i++)
-            if (bytes[static_cast<size_t> (i)] != Pattern (place + static_cast<size_t> (i))) ADD_FAILURE () << place << "+" << i;
+            if (bytes[static_cast<size_t> (i)] != Pattern (place + static_cast<size_t> (i)))
+                ADD_FAILURE () << place << "+" << i;
         EXPECT_EQ (bytes[count], 0xEE);
         return got;
     }
@@ -54,7 +55,7 @@ TEST_F (FileReading, FromFrontToBackInSmallSteps) {
 
 TEST_F (FileReading, AcrossTheBordersOfTheBuffer) {
     Open (5 * FILE_BUFFER_SIZE);
-    const size_t border = FILE_BUFFER_SIZE;
+    const size_t border   = FILE_BUFFER_SIZE;
     const size_t counts[] = {1, 2, 3, border - 1, border, border + 1, 2 * border, 3 * border - 5};
     for (size_t start : {size_t (0), size_t (1), border - 2, border - 1, border, border + 1})
         for (size_t first : {size_t (0), size_t (1), size_t (100), border - 1})
@@ -126,7 +127,7 @@ TEST_F (FileReading, FullMemoryIsReportedAndNothingStaysOpen) {
     Memory_Fail_At (0);
     EXPECT_EQ (Memory_Live (), live);
     ASSERT_EQ (recorder.Count (LOG_ERROR, "memory error in malloc (var=file, dim=1x"), 1);
-    EXPECT_TRUE (std::filesystem::remove (name));   // Windows removes no open file.
+    EXPECT_TRUE (std::filesystem::remove (name)); // Windows removes no open file.
     File_Close (nullptr);
 }
 

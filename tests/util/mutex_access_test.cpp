@@ -72,7 +72,7 @@ TEST_F (MutexAccess, FreeRegionIsEnteredInSilence) {
     Log_Recorder recorder (9);
     Mutex_Access_Install (mutex, 50);
     Mutex_Access_Start ();
-    Mutex_Access_Start ();      // The same thread may enter again.
+    Mutex_Access_Start (); // The same thread may enter again.
     System_Wait other = SYSTEM_WAIT_FAILED;
     std::thread thread ([&] { other = System_Mutex_Wait (mutex, 0); });
     thread.join ();
@@ -97,7 +97,7 @@ TEST_F (MutexAccess, StuckRegionIsEnteredAfterTheTwoLines) {
     EXPECT_LT (spent, 5000);
     EXPECT_EQ (recorder.All (), DEADLOCK);
 
-    Mutex_Access_Stop ();       // What another thread holds stays held.
+    Mutex_Access_Stop (); // What another thread holds stays held.
     EXPECT_EQ (System_Mutex_Wait (mutex, 0), SYSTEM_WAIT_TIMEOUT);
     holder.Release ();
     recorder.Clear ();
@@ -143,5 +143,6 @@ TEST_F (MutexAccess, FailedWaitIsReportedWithTheSystemsError) {
     Mutex_Access_Install (mutex, 10, Failing_Wait);
     Mutex_Access_Start ();
     Mutex_Access_Stop ();
-    EXPECT_EQ (recorder.All (), "2: Failed in WaitForSingleObject \"Protected Region\" (" + std::string (Error_Text (5)) + ")\n");
+    EXPECT_EQ (recorder.All (),
+               "2: Failed in WaitForSingleObject \"Protected Region\" (" + std::string (Error_Text (5)) + ")\n");
 }

@@ -29,7 +29,9 @@ static int Box_Hook (Window, const char *text, const char *caption, Window_Icon 
     return box_answer;
 }
 
-static void List_Hook (Window, const char *text, int over) { shown.push_back ((over ? "over " : "line ") + std::string (text)); }
+static void List_Hook (Window, const char *text, int over) {
+    shown.push_back ((over ? "over " : "line ") + std::string (text));
+}
 
 static int Silent (Window, int, const char *) { return 1; }
 
@@ -89,7 +91,8 @@ protected:
     bool        Exists (const std::string &name) const { return std::filesystem::exists (directory.File (name)); }
 
     void Forget () {
-        for (const char *name : {"trace.dat", "audit.dat", "Kestrelbay.err"}) std::filesystem::remove (directory.File (name));
+        for (const char *name : {"trace.dat", "audit.dat", "Kestrelbay.err"})
+            std::filesystem::remove (directory.File (name));
         boxes.clear ();
         shown.clear ();
         int level = Log.trace_level, mode = Log.audit_mode;
@@ -107,7 +110,8 @@ protected:
 // --- routing ---------------------------------------------------------------
 
 // A text with display codes, and blanks and tabs around it.
-static const char RAW[]   = "\xF1\x04 Found\t\x01" "12\xF0 differences\x02 \t";
+static const char RAW[]   = "\xF1\x04 Found\t\x01"
+                            "12\xF0 differences\x02 \t";
 static const char CLEAN[] = " Found\t12 differences \t";
 
 // What one kind leaves where; "" nothing. The levels -3..5 at which the trace file gets its line are marked with x.
@@ -118,8 +122,8 @@ struct Expected {
     std::string console;
     std::string trace;
     const char *levels;
-    std::string audit_timed;    // Mode 1, behind the time stamp.
-    std::string audit_bare;     // Mode 2.
+    std::string audit_timed; // Mode 1, behind the time stamp.
+    std::string audit_bare;  // Mode 2.
 };
 
 static std::vector<Expected> Program_Routes () {
@@ -172,7 +176,8 @@ TEST_F (MyErrorFct, EveryKindReachesItsPlacesAtEveryLevelAndAuditMode) {
                 std::string timed = route.audit_timed.empty () ? "" : "@" + On_Disk (route.audit_timed);
                 std::string bare  = On_Disk (route.audit_bare);
                 EXPECT_EQ (mode == 1 ? Without_Time (Audit ()) : Audit (), mode == 0 ? "" : mode == 1 ? timed : bare);
-                EXPECT_EQ (shown, route.list.empty () ? std::vector<std::string> () : std::vector<std::string> {route.list});
+                EXPECT_EQ (shown,
+                           route.list.empty () ? std::vector<std::string> () : std::vector<std::string> {route.list});
                 ASSERT_EQ (boxes.size (), route.box.empty () ? 0u : 1u);
                 EXPECT_EQ (boxes.empty () ? "" : boxes[0].text, route.box);
                 EXPECT_EQ (std::string (Log_Thread_Text (0)), route.kind == LOG_THREAD ? RAW : "");
@@ -208,7 +213,10 @@ TEST_F (MyErrorFct, UnknownKindsDoNothingInTheSink) {
 }
 
 TEST_F (MyErrorFct, ErrorBoxHasStopIconAndNoCaption) {
-    Log_Message (nullptr, LOG_ERROR, "\x04" "bad %d", 7);
+    Log_Message (nullptr, LOG_ERROR,
+                 "\x04"
+                 "bad %d",
+                 7);
     ASSERT_EQ (boxes.size (), 1u);
     EXPECT_EQ (boxes[0].text, "bad 7");
     EXPECT_EQ (boxes[0].caption, "");
@@ -328,7 +336,9 @@ TEST_F (MyErrorFct, PlainBoxesTakeCaptionFirst) {
     const struct {
         int         kind;
         Window_Icon icon;
-    } cases[] = {{LOG_BOX_INFO, WINDOW_ICON_INFORMATION}, {LOG_BOX_WARNING, WINDOW_ICON_WARNING}, {LOG_BOX_ERROR, WINDOW_ICON_ERROR}};
+    } cases[] = {{LOG_BOX_INFO, WINDOW_ICON_INFORMATION},
+                 {LOG_BOX_WARNING, WINDOW_ICON_WARNING},
+                 {LOG_BOX_ERROR, WINDOW_ICON_ERROR}};
     for (const auto &one : cases) {
         boxes.clear ();
         EXPECT_EQ (Log_Message (nullptr, one.kind, "100 %d", "%s: %d", "value", 12), 1);
@@ -361,7 +371,9 @@ TEST_F (MyErrorFct, CleanTextStaysInItsBuffer) {
     Log_Clean_Text ("abc", clean, 1);
     EXPECT_EQ (clean[0], 0);
     EXPECT_EQ (clean[1], '~');
-    Log_Clean_Text ("\x01" "abc", clean, 3);
+    Log_Clean_Text ("\x01"
+                    "abc",
+                    clean, 3);
     EXPECT_STREQ (clean, "ab");
     Log_Clean_Text ("abc", clean, 4);
     EXPECT_STREQ (clean, "abc");
@@ -373,8 +385,8 @@ TEST_F (MyErrorFct, SectionIsFourLines) {
     Log_Section (nullptr, LOG_TRACE2, "-----  100%  -----");
     testing::internal::GetCapturedStdout ();
     std::string dashes (79, '-');
-    EXPECT_EQ (Trace (), On_Disk ("TRACE:       \n\n\n\nTRACE:       " + dashes + "\nTRACE:       -----  100%  -----\nTRACE:       " +
-                                  dashes + "\n"));
+    EXPECT_EQ (Trace (), On_Disk ("TRACE:       \n\n\n\nTRACE:       " + dashes +
+                                  "\nTRACE:       -----  100%  -----\nTRACE:       " + dashes + "\n"));
 }
 
 // --- thread ring -----------------------------------------------------------
@@ -476,11 +488,12 @@ TEST_F (MyErrorFct, ScratchDirectoryThatCannotBeMadeIsReportedOnce) {
     Log_Message (nullptr, LOG_ERRLOG, "text");
     ASSERT_EQ (boxes.size (), 1u);
     EXPECT_EQ (boxes[0].caption, "Error writing to Scratch dir");
-    EXPECT_EQ (boxes[0].text, "Unable to create directory: \"" + bad + "\"\nMake sure you have the necessary permisions");
+    EXPECT_EQ (boxes[0].text,
+               "Unable to create directory: \"" + bad + "\"\nMake sure you have the necessary permisions");
     EXPECT_EQ (boxes[0].icon, WINDOW_ICON_ERROR);
     EXPECT_EQ (Log_File_Open ("trace.dat"), nullptr);
 
-    Log_Settings_Reset ();      // A new run reports it again.
+    Log_Settings_Reset (); // A new run reports it again.
     Scratch (bad);
     Log_Message (nullptr, LOG_AUDIT, "text");
     EXPECT_EQ (boxes.size (), 2u);
@@ -525,7 +538,7 @@ TEST_F (MyErrorFct, RollingTakesTheFirstFileThatHasRoom) {
     Log.rolling_limit = 10;
     directory.Write ("audit_000.dat", std::string (10, 'x'));
     directory.Write ("audit_001.dat", std::string (11, 'x'));
-    Log_Message (nullptr, LOG_AUDIT, "12345678");   // With its line end 9 or 10 bytes.
+    Log_Message (nullptr, LOG_AUDIT, "12345678"); // With its line end 9 or 10 bytes.
     EXPECT_EQ (Read_Whole (directory.File ("audit_002.dat")), On_Disk ("12345678\n"));
     Log_Message (nullptr, LOG_AUDIT, "9");
     if (std::string (System_Line_End ()).size () == 1)
@@ -574,7 +587,8 @@ TEST_F (MyErrorFct, ErrorLogHeaderComesOnceARunAndNothingIsEverCut) {
     Log.program_version = "1.0";
     Log_Message (nullptr, LOG_ERRLOG, "three");
     ASSERT_EQ (Errors ().substr (0, before.size ()), before);
-    EXPECT_TRUE (std::regex_match (Errors ().substr (before.size ()), std::regex (HEADER + std::string ("three\r?\n"))));
+    EXPECT_TRUE (
+        std::regex_match (Errors ().substr (before.size ()), std::regex (HEADER + std::string ("three\r?\n"))));
     EXPECT_NE (Errors ().find (System_Line_End ()), std::string::npos);
 }
 
@@ -633,17 +647,22 @@ static const char BANNER_START[] =
 static const char BANNER_END[] = "Processor:      4 x 586 \\(OEM ID: 9\\)\n\n-----------------------\n";
 
 TEST_F (MyErrorFctBanner, SaysWhoWhenAndWhere) {
-    std::string expected = BANNER_START + std::string ("Computer Name:  STATION\nSystem:         Windows XP\n"
-                           "                version 5\\.1 \\(Build 2600\\)\n                Service Pack 3\\.4\n") + BANNER_END;
+    std::string expected =
+        BANNER_START +
+        std::string ("Computer Name:  STATION\nSystem:         Windows XP\n"
+                     "                version 5\\.1 \\(Build 2600\\)\n                Service Pack 3\\.4\n") +
+        BANNER_END;
     std::string banner = Banner ();
     EXPECT_TRUE (std::regex_match (banner, std::regex (expected))) << banner;
 }
 
 TEST_F (MyErrorFctBanner, MissingNameIsNoted) {
-    facts_has_name = 0;
-    std::string expected = BANNER_START + std::string ("File:my_error_fct Line:[0-9]+\nin GetComputerName\\(\\)\n"
-                           "System:         Windows XP\n                version 5\\.1 \\(Build 2600\\)\n"
-                           "                Service Pack 3\\.4\n") + BANNER_END;
+    facts_has_name       = 0;
+    std::string expected = BANNER_START +
+                           std::string ("File:my_error_fct Line:[0-9]+\nin GetComputerName\\(\\)\n"
+                                        "System:         Windows XP\n                version 5\\.1 \\(Build 2600\\)\n"
+                                        "                Service Pack 3\\.4\n") +
+                           BANNER_END;
     std::string banner = Banner ();
     EXPECT_TRUE (std::regex_match (banner, std::regex (expected))) << banner;
 }
@@ -651,7 +670,8 @@ TEST_F (MyErrorFctBanner, MissingNameIsNoted) {
 TEST_F (MyErrorFctBanner, MissingVersionEndsIt) {
     facts_has_version  = 0;
     std::string banner = Banner ();
-    EXPECT_TRUE (std::regex_match (banner, std::regex (BANNER_START + std::string ("Computer Name:  STATION\n")))) << banner;
+    EXPECT_TRUE (std::regex_match (banner, std::regex (BANNER_START + std::string ("Computer Name:  STATION\n"))))
+        << banner;
 }
 
 TEST_F (MyErrorFctBanner, ShortVersionRecordHasNoServicePack) {
@@ -714,7 +734,8 @@ TEST_F (MyErrorFctBanner, OfThisMachineIsComplete) {
     testing::internal::CaptureStdout ();
     Log_Banner ();
     testing::internal::GetCapturedStdout ();
-    for (const char *part : {"Computer Name:  ", "                version ", "Processor:      ", "-----------------------"})
+    for (const char *part :
+         {"Computer Name:  ", "                version ", "Processor:      ", "-----------------------"})
         EXPECT_NE (Trace ().find (part), std::string::npos) << part;
 }
 
@@ -735,9 +756,11 @@ TEST_F (MyErrorFctBanner, SystemNames) {
 
 TEST_F (MyErrorFct, LibraryBannerChecksFiveCharacters) {
     ASSERT_NE (Library_Banner (nullptr), nullptr);
-    EXPECT_TRUE (std::regex_match (Library_Banner (nullptr), std::regex ("Kestrelbay_Util \\(Static\\) 21\\.7 \\(rev-.+\\)")));
+    EXPECT_TRUE (
+        std::regex_match (Library_Banner (nullptr), std::regex ("Kestrelbay_Util \\(Static\\) 21\\.7 \\(rev-.+\\)")));
     EXPECT_STREQ (Library_Banner ("21.7"), Library_Banner (nullptr));
-    for (const char *other : {"21.70", "21.8", "21.", "", "121.7"}) EXPECT_EQ (Library_Banner (other), nullptr) << other;
+    for (const char *other : {"21.70", "21.8", "21.", "", "121.7"})
+        EXPECT_EQ (Library_Banner (other), nullptr) << other;
 }
 
 // --- before the program's sink is there ------------------------------------

@@ -176,7 +176,8 @@ static std::string Split (const std::string &path) {
     Text_Path pieces;
     Text_Split_Path (path.c_str (), &pieces);
     EXPECT_EQ (pieces.directory_length + pieces.base_length + pieces.extension_length, path.size ());
-    return std::string (pieces.directory, pieces.directory_length) + "|" + std::string (pieces.base, pieces.base_length) + "|" +
+    return std::string (pieces.directory, pieces.directory_length) + "|" +
+           std::string (pieces.base, pieces.base_length) + "|" +
            std::string (pieces.extension, pieces.extension_length);
 }
 

@@ -118,7 +118,8 @@ TEST (Tokenizer, ThreadsScanTheirOwnTexts) {
 TEST (Tokenizer, The129thThreadTakesTheFirstOnesPlace) {
     std::vector<Worker>      workers (TOKENIZER_SLOTS + 1);
     std::vector<std::string> texts (TOKENIZER_SLOTS + 1);
-    for (int i = 0; i <= TOKENIZER_SLOTS; i++) texts[static_cast<size_t> (i)] = "a" + std::to_string (i) + " b" + std::to_string (i);
+    for (int i = 0; i <= TOKENIZER_SLOTS; i++)
+        texts[static_cast<size_t> (i)] = "a" + std::to_string (i) + " b" + std::to_string (i);
 
     for (size_t i = 0; i < TOKENIZER_SLOTS; i++) EXPECT_EQ (workers[i].Next (&texts[i][0]), "a" + std::to_string (i));
     EXPECT_EQ (workers[1].Next (nullptr), "b1");

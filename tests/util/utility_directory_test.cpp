@@ -96,7 +96,8 @@ TEST_F (UtilityDirectory, MakeReportsAPathThatIsTooLong) {
     EXPECT_EQ (recorder.lines[0].kind, LOG_TRACE1);
     EXPECT_EQ (recorder.lines[0].text.find ("File:utility_directory, Line:"), 0u);
     EXPECT_EQ (recorder.lines[1].kind, LOG_WARNING);
-    EXPECT_EQ (recorder.lines[1].text, "Path too long (" + std::to_string (limit + 1) + " char > max=" + std::to_string (limit) + ")");
+    EXPECT_EQ (recorder.lines[1].text,
+               "Path too long (" + std::to_string (limit + 1) + " char > max=" + std::to_string (limit) + ")");
 
     recorder.Clear ();
     path.pop_back ();

@@ -12,7 +12,7 @@
 
 // A registry made up by the test. Keys are numbered as they are opened, from 101 on; 100 is the root.
 struct Registry {
-    std::string                        chain;           // What was done, in order.
+    std::string                        chain; // What was done, in order.
     std::string                        open_fails, close_fails;
     std::map<std::string, std::string> values;
     std::vector<std::string>           names;
@@ -40,7 +40,7 @@ static unsigned Fake_Close (System_Registry_Key key) {
 static unsigned Fake_Read (System_Registry_Key key, const char *value, char *result, size_t size) {
     registry.chain += "read " + std::to_string (key) + " " + value + "\n";
     registry.value_size = size;
-    auto found = registry.values.find (value);
+    auto found          = registry.values.find (value);
     if (found == registry.values.end ()) return 2;
     if (found->second.size () >= size) return 234;
     memcpy (result, found->second.c_str (), found->second.size () + 1);
@@ -53,7 +53,9 @@ class WinRegistry : public testing::Test {
 protected:
     void SetUp () override { registry = {}; }
 
-    int Read (const char *program = "Prog") { return Registry_Read_Path (nullptr, &ACCESS, program, result, sizeof result); }
+    int Read (const char *program = "Prog") {
+        return Registry_Read_Path (nullptr, &ACCESS, program, result, sizeof result);
+    }
 
     // The four lines of a key that fails.
     void Expect_Failure (const std::string &what) {
@@ -72,10 +74,12 @@ TEST_F (WinRegistry, ReadsTheValuePath) {
     registry.values["Path"] = "C:\\Program Files\\Prog";
     EXPECT_EQ (Read (), 1);
     EXPECT_STREQ (result, "C:\\Program Files\\Prog\\");
-    EXPECT_EQ (recorder.All (), "11: Registry_Get_Path(): Installation Path from registry = \"C:\\Program Files\\Prog\\\"\n");
-    EXPECT_EQ (registry.chain,
-               "open 100 SOFTWARE\nopen 101 Microsoft\nclose 101\nopen 102 Windows\nclose 102\nopen 103 CurrentVersion\n"
-               "close 103\nopen 104 App Paths\nclose 104\nopen 105 Prog.exe\nclose 105\nread 106 Path\nclose 106\n");
+    EXPECT_EQ (recorder.All (),
+               "11: Registry_Get_Path(): Installation Path from registry = \"C:\\Program Files\\Prog\\\"\n");
+    EXPECT_EQ (
+        registry.chain,
+        "open 100 SOFTWARE\nopen 101 Microsoft\nclose 101\nopen 102 Windows\nclose 102\nopen 103 CurrentVersion\n"
+        "close 103\nopen 104 App Paths\nclose 104\nopen 105 Prog.exe\nclose 105\nread 106 Path\nclose 106\n");
     EXPECT_EQ (registry.value_size, 771u);
 }
 
@@ -83,11 +87,11 @@ TEST_F (WinRegistry, ExeIsAppendedOnce) {
     registry.values["Path"] = "C:\\P";
     EXPECT_EQ (Read ("Prog.exe"), 1);
     EXPECT_NE (registry.chain.find ("open 105 Prog.exe\n"), std::string::npos);
-    registry = {};
+    registry                = {};
     registry.values["Path"] = "C:\\P";
     EXPECT_EQ (Read (".exe2"), 1);
     EXPECT_NE (registry.chain.find ("open 105 .exe2.exe\n"), std::string::npos);
-    registry = {};
+    registry                = {};
     registry.values["Path"] = "C:\\P";
     EXPECT_EQ (Read ("x"), 1);
     EXPECT_NE (registry.chain.find ("open 105 x.exe\n"), std::string::npos);

@@ -33,7 +33,8 @@ struct Dictionary_Table {
 // The entry of a tag, or none; an odd group has none. Builds the dictionary the first time.
 const Dictionary_Entry *Dictionary_Lookup (Window window, uint16_t group, uint16_t element);
 
-// Parses the lines once. The number of entries added, remembered for further calls.
+// Parses the lines once. The number of entries added, remembered for further calls. When memory runs out it is 0 and
+// nothing is remembered, so the next look-up tries again.
 int Dictionary_Build (Window window);
 
 // The program's lines.

@@ -186,6 +186,18 @@ TEST (ListingDataText, HugeNumbersEndBeforeTheTextIsFull) {
     EXPECT_EQ (".000 ...", text.substr (text.size () - 8));
 }
 
+// Eleven of these numbers fit into the text, but the mark behind them would not.
+TEST (ListingDataText, MarkOfACutHasItsRoom) {
+    Stream      floats = Stream_Begin (EXPLICIT_LITTLE);
+    std::string number = "340282346638528859811704183484516925440.000", shown;
+    for (int i = 0; i < 16; i++) {
+        float sign = i < 5 ? -1.0f : 1.0f;
+        Stream_Add_Float (&floats, sign * std::numeric_limits<float>::max ());
+        if (i < 10) shown += std::string (i ? " / " : "") + (i < 5 ? "-" : "") + number;
+    }
+    EXPECT_EQ (shown + " ...", Sample ("FL", floats).Text ());
+}
+
 TEST (ListingDataText, EveryBytePatternFitsTheBuffer) {
     for (const char *vr : {"FL", "FD", "SL", "UL", "SS", "US", "AT", "OW", "OB", "UN", "UI", "LO", "SQ", "OX", ""})
         for (int byte = 0; byte < 256; byte++)

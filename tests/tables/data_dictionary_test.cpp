@@ -128,6 +128,7 @@ TEST_F (DataDictionary, LineWithoutPairKeepsThePlaceholder) {
     EXPECT_EQ ("Just A Name|0|RT 65535..65535", Text_Of (Parse (" Just A Name RET")));
     EXPECT_EQ ("Region n|0|RT 65535..65535", Text_Of (Parse (" Region n")));
     EXPECT_EQ ("Ratio CS a-n|0|RT 65535..65535", Text_Of (Parse (" Ratio CS a-n")));
+    EXPECT_EQ ("Ratio CS -n|0|RT 65535..65535", Text_Of (Parse (" Ratio CS -n")));
     EXPECT_EQ ("Ratio CS 1-kn|0|RT 65535..65535", Text_Of (Parse (" Ratio CS 1-kn")));
     EXPECT_EQ ("|0|RT 65535..65535", Text_Of (Parse ("")));
     EXPECT_EQ ("|0|RT 65535..65535", Text_Of (Parse (" ")));
@@ -163,6 +164,7 @@ TEST_F (DataDictionary, RetiredHasANegativeCount) {
 TEST_F (DataDictionary, NameIsCutAtEightyCharacters) {
     std::string name (90, 'N');
     EXPECT_EQ (std::string (80, 'N') + "|1|DS 1..1", Text_Of (Parse (" " + name + " DS 1")));
+    EXPECT_EQ (std::string (80, 'N') + "|1|DS 1..1", Text_Of (Parse (" " + name.substr (0, 81) + " DS 1")));
     EXPECT_EQ (std::string (80, 'N') + "|1|DS 1..1", Text_Of (Parse (" " + name.substr (0, 80) + " DS 1")));
     EXPECT_EQ (std::string (79, 'N') + "|1|DS 1..1", Text_Of (Parse (" " + name.substr (0, 79) + " NNN DS 1")));
 }
@@ -343,8 +345,8 @@ TEST_F (DataDictionary, PairNeedsItsParenthesis) {
 }
 
 TEST_F (DataDictionary, LineWithoutTagIsASyntaxError) {
-    for (const char *line : {"", "(", "RET", " RET", "(0010", "(0010,0010", "0010,0010) A DS 1", "Name DS 1", ")", "n",
-                             "(0010 0010) A DS 1"}) {
+    for (const char *line : {"", "(", "RET", " RET", "(0010", "(0010,0010", "0010,0010) A DS 1", "[0010,0010) A DS 1",
+                             "Name DS 1", ")", "n", "(0010 0010) A DS 1"}) {
         EXPECT_EQ (0, Build ({line, "(0010,0020) Next DS 1"})) << line;
         char start[16];
         snprintf (start, sizeof start, "%12.12s", line);
@@ -429,6 +431,13 @@ TEST_F (DataDictionary, ResetReleasesEverything) {
     Dictionary_Reset (nullptr, 0);
     EXPECT_EQ (before, Memory_Live ());
     EXPECT_EQ ("Patient's Name", Name_Of (0x0010, 0x0010));
+}
+
+TEST_F (DataDictionary, ResetForgetsWhereTheLastGroupStood) {
+    Build ({"(0008,0010) A DS 1", "(0010,0010) B DS 1"});
+    EXPECT_EQ ("B", Name_Of (0x0010, 0x0010));
+    Build ({"(0010,0010) C DS 1", "(0020,0010) D DS 1"});
+    EXPECT_EQ ("C", Name_Of (0x0010, 0x0010));
 }
 
 TEST_F (DataDictionary, MissingMemoryIsReportedAndTriedAgain) {

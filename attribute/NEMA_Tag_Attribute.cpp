@@ -305,6 +305,26 @@ void DICOM_Attribute_Set_Type (Window window, SequenceCursor *cursor, Attribute 
         Set_Type_One (window, cursor, reference_first, record);
 }
 
+// --- walking ---------------------------------------------------------------
+
+static void Walk_Items (Window window, SequenceCursor *cursor, Attribute *attribute, int kind,
+                        Attribute_Action action) {
+    DICOM_Attribute_Sequence_Start (window, cursor, attribute->group, attribute->element, attribute->flags, kind);
+    for (int32_t i = 0; i < attribute->nb_item && attribute->item[i]; i++) {
+        DICOM_Attribute_Item_Start (window, cursor, kind);
+        Attribute_Walk (window, cursor, attribute->item[i], kind, action);
+        DICOM_Attribute_Item_Stop (window, cursor, kind);
+    }
+    DICOM_Attribute_Sequence_Stop (window, cursor, kind);
+}
+
+void Attribute_Walk (Window window, SequenceCursor *cursor, Attribute *list, int kind, Attribute_Action action) {
+    for (Attribute *attribute = list; attribute; attribute = attribute->next) {
+        action (window, cursor, attribute);
+        if (attribute->item) Walk_Items (window, cursor, attribute, kind, action);
+    }
+}
+
 // --- removing --------------------------------------------------------------
 
 static void Delete_In_Items (Window window, SequenceCursor *cursor, Attribute *record, uint16_t group,

@@ -38,6 +38,15 @@ int Attribute_Grow_Items (Window window, Memory_Site site, Attribute *attribute,
 // For every record at every depth: the type, and the VR where it has none, of the same tag in the reference list.
 void DICOM_Attribute_Set_Type (Window window, SequenceCursor *cursor, Attribute *reference_first, Attribute *list_first);
 
+// --- walking ---------------------------------------------------------------
+
+// What a walk does with each attribute. It may change the attribute, not the list around it.
+typedef void (*Attribute_Action) (Window window, SequenceCursor *cursor, Attribute *attribute);
+
+// Calls action for every attribute of the list, and after it for those of its items until the first empty slot. kind is
+// passed to the cursor.
+void Attribute_Walk (Window window, SequenceCursor *cursor, Attribute *list, int kind, Attribute_Action action);
+
 // --- removing --------------------------------------------------------------
 
 // Removes every match (TAG_ANY matches any) at the current depth and below. 1, or 0 when there was no list.

@@ -11,6 +11,8 @@
 #include "attribute/value.h"
 #include "nema/NEMA_Read_Data.h"
 #include "nema/NEMA_Read_TAG.h"
+#include "syntax/cleanup.h"
+#include "syntax/syntax_check.h"
 #include "tables/data_dictionary.h"
 #include "util/error_text.h"
 #include "util/my_error_fct.h"
@@ -312,6 +314,13 @@ static Attribute *Nest (Window window, const SequenceCursor *cursor, Attribute *
     return list;
 }
 
+// Every value is checked against its VR's rules as it was read, and then corrected.
+static void Clean (Window window, SequenceCursor *cursor, Attribute *list) {
+    DICOM_Attribute_Sequence_Reset (window, cursor);
+    DICOM_Attribute_Syntax_Walk (window, cursor, list);
+    DICOM_Attribute_Cleanup_Walk (window, cursor, list);
+}
+
 static void Drop_Structure (Window window, SequenceCursor *cursor, Attribute **list) {
     DICOM_Attribute_Sequence_Reset (window, cursor);
     DICOM_Attribute_Delete (window, cursor, list, GROUP_DELIMITER, TAG_ANY);
@@ -326,6 +335,7 @@ Attribute *File_Read_List (Window window, SequenceCursor *cursor, const char *na
 
     Log_Section (window, LOG_TRACE2, "-----                        Cleanup DICOM Tags                           -----");
     Attribute *list = Nest (window, cursor, elements);
+    if (list) Clean (window, cursor, list);
     List_Delete (window, cursor, &elements);
     if (!list) return nullptr;
     Trace_List (window, cursor, list,

@@ -1,0 +1,286 @@
+// The table and what both passes do alike. Texts of findings are put together only when somebody will read them.
+#include "syntax/syntax_rules.h"
+
+#include <stdarg.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include "attribute/messages.h"
+#include "tables/data_dictionary.h"
+
+// --- the table -------------------------------------------------------------
+
+static const char CODE_SET[]    = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_ \\";
+static const char AGE_SET[]     = "0123456789DWMY";
+static const char DATE_SET[]    = "0123456789.\\";
+static const char DECIMAL_SET[] = "0123456789+-Ee. \\";
+static const char MOMENT_SET[]  = "0123456789+-. \\";
+static const char INTEGER_SET[] = "0123456789+- \\";
+static const char NUMBER_SET[]  = "0123456789. \\";     // TM and UI.
+
+static const int NONE = SYNTAX_NONE;
+static const int NUL  = 0;
+
+// clang-format off
+static const Syntax_Rule rules[] = {
+    // VR,    form,            leading, trailing, set,  maximum,  even, unit, counted, expecting
+    {VR_AE, SYNTAX_TITLE,     NONE, NONE, nullptr,      16,        ' ',  0, 0, nullptr},
+    {VR_AS, SYNTAX_AGE,       NONE, NONE, AGE_SET,      4,         NONE, 0, 0, "4 bytes"},
+    {VR_AT, SYNTAX_BINARY,    NONE, NONE, nullptr,      0,         NONE, 4, 0, "multiple 2*\"Unigned Short\""},
+    {VR_CS, SYNTAX_MULTIPLE,  ' ',  ' ',  CODE_SET,     16,        ' ',  0, 0, nullptr},
+    {VR_DA, SYNTAX_DATE,      NONE, NONE, DATE_SET,     8,         NONE, 0, 0, "6, 8 or 10 bytes"},
+    {VR_DS, SYNTAX_MULTIPLE,  ' ',  ' ',  DECIMAL_SET,  16,        ' ',  0, 0, nullptr},
+    {VR_DT, SYNTAX_MULTIPLE,  NONE, ' ',  MOMENT_SET,   26,        ' ',  0, 0, nullptr},
+    {VR_FD, SYNTAX_BINARY,    NONE, NONE, nullptr,      0,         NONE, 8, 1, "\"Floation Point Double\""},
+    {VR_FL, SYNTAX_BINARY,    NONE, NONE, nullptr,      0,         NONE, 4, 1, "\"Floation Point\""},
+    {VR_IS, SYNTAX_INTEGER,   ' ',  ' ',  INTEGER_SET,  12,        ' ',  0, 0, nullptr},
+    {VR_LO, SYNTAX_MULTIPLE,  ' ',  ' ',  nullptr,      64,        ' ',  0, 0, nullptr},
+    {VR_LT, SYNTAX_SINGLE,    NONE, ' ',  nullptr,      10240,     NONE, 0, 0, nullptr},
+    {VR_OF, SYNTAX_BINARY,    NONE, NONE, nullptr,      0,         NONE, 4, 0, "\"Other Float\""},
+    {VR_OW, SYNTAX_BINARY,    NONE, NONE, nullptr,      0,         NONE, 2, 0, "\"Other Word\""},
+    {VR_PN, SYNTAX_MULTIPLE,  NONE, NONE, nullptr,      320,       ' ',  0, 0, nullptr},
+    {VR_SH, SYNTAX_MULTIPLE,  ' ',  ' ',  nullptr,      16,        ' ',  0, 0, nullptr},
+    {VR_SL, SYNTAX_BINARY,    NONE, NONE, nullptr,      0,         NONE, 4, 1, "\"Signed Long\""},
+    {VR_SS, SYNTAX_BINARY,    NONE, NONE, nullptr,      0,         NONE, 2, 1, "\"Signed Short\""},
+    {VR_ST, SYNTAX_SINGLE,    NONE, ' ',  nullptr,      1024,      NONE, 0, 0, nullptr},
+    {VR_TM, SYNTAX_TIME,      NONE, ' ',  NUMBER_SET,   16,        NONE, 0, 0, nullptr},
+    {VR_UI, SYNTAX_MULTIPLE,  NONE, NUL,  NUMBER_SET,   64,        NUL,  0, 0, nullptr},
+    {VR_UL, SYNTAX_BINARY,    NONE, NONE, nullptr,      0,         NONE, 4, 1, "\"Signed Long\""},
+    {VR_US, SYNTAX_BINARY,    NONE, NONE, nullptr,      0,         NONE, 2, 1, "\"Unsigned Short\""},
+    {VR_UT, SYNTAX_SINGLE,    NONE, ' ',  nullptr,      INT32_MAX, NONE, 0, 0, nullptr},
+};
+// clang-format on
+
+const Syntax_Rule *Syntax_Rule_Of (uint16_t vr) {
+    for (const Syntax_Rule &rule : rules)
+        if (rule.vr == vr) return &rule;
+    return nullptr;
+}
+
+// --- reports ---------------------------------------------------------------
+
+static const size_t PREFIX_SIZE = 128;
+
+static void Report (const Syntax_Run *run, int kind, const char *prefix, const char *format, va_list arguments) {
+    char   text[LOG_TEXT_SIZE];
+    size_t used = strlen (prefix);
+    memcpy (text, prefix, used);
+    vsnprintf (text + used, sizeof text - used, format, arguments);
+    Log_Message (run->window, kind, "%s", text);
+}
+
+#define TAG_AND_VR TAG_TEXT " VR=" COLOUR_BLUE "%c%c" COLOUR_BLACK " "
+
+void Syntax_Warn (const Syntax_Run *run, const Attribute *attribute, const char *format, ...) {
+    int      kind = run->settings ? run->settings->kind_warning : 0;
+    uint16_t vr   = Attribute_VR (attribute);
+    if (!kind) return;
+    char prefix[PREFIX_SIZE];
+    snprintf (prefix, sizeof prefix, WARNING_TEXT TAG_AND_VR, attribute->group, attribute->element,
+              Code_First (vr, '-'), Code_Second (vr, '-'));
+    va_list arguments;
+    va_start (arguments, format);
+    Report (run, kind, prefix, format, arguments);
+    va_end (arguments);
+}
+
+void Syntax_Note (const Syntax_Run *run, const Attribute *attribute, const char *format, ...) {
+    int      kind = run->settings ? run->settings->kind_note : 0;
+    uint16_t vr   = Attribute_VR (attribute);
+    if (!kind) return;
+    char prefix[PREFIX_SIZE];
+    snprintf (prefix, sizeof prefix, EMPHASIS_END "    " TAG_AND_VR, attribute->group, attribute->element,
+              Code_First (vr, '-'), Code_Second (vr, '-'));
+    va_list arguments;
+    va_start (arguments, format);
+    Report (run, kind, prefix, format, arguments);
+    va_end (arguments);
+}
+
+// --- multiplicity ----------------------------------------------------------
+
+int Syntax_Multiplicity (const Syntax_Run *run, const Attribute *attribute, int32_t count) {
+    const Dictionary_Entry *entry = attribute->definition;
+    if (!entry || entry->nb_vr == 0) return 1;
+    int minimum = static_cast<int16_t> (entry->vm[0].minimum);
+    int maximum = static_cast<int16_t> (entry->vm[0].maximum);      // Below 1: no upper bound.
+    if (minimum < 0) return 1;
+
+    if (minimum == maximum) {
+        if (count == minimum) return 1;
+        Syntax_Warn (run, attribute,
+                     "Invalid number of values in data!, Expecting VN=" SYNTAX_NUMBER " but got " SYNTAX_NUMBER " values",
+                     minimum, count);
+        return 0;
+    }
+    if (count < minimum) {
+        if (maximum < 1)
+            Syntax_Warn (run, attribute,
+                         "Not enough values in data! Expecting VN=" SYNTAX_NUMBER "-n but got " SYNTAX_NUMBER " values",
+                         minimum, count);
+        else
+            Syntax_Warn (run, attribute, "Not enough values in data! Expecting VN=" SYNTAX_NUMBER "-" SYNTAX_NUMBER
+                         " but got " SYNTAX_NUMBER " values", minimum, maximum, count);
+        return 0;
+    }
+    if (maximum > 0 && count > maximum) {
+        Syntax_Warn (run, attribute, "To many values in data! Expecting VN=" SYNTAX_NUMBER "-" SYNTAX_NUMBER
+                     " but got " SYNTAX_NUMBER " values", minimum, maximum, count);
+        return 0;
+    }
+    return 1;
+}
+
+// --- text ------------------------------------------------------------------
+
+const char *Syntax_Text (const Attribute *attribute) {
+    return attribute->data ? reinterpret_cast<const char *> (attribute->data) : "";
+}
+
+int32_t Syntax_Text_Length (const Attribute *attribute) {
+    if (!attribute->data || attribute->length <= 0) return 0;
+    const void *nul = memchr (attribute->data, 0, static_cast<size_t> (attribute->length));
+    return nul ? static_cast<int32_t> (static_cast<const uint8_t *> (nul) - attribute->data) : attribute->length;
+}
+
+static int Last_Is (const Attribute *attribute, int character) {
+    return attribute->length > 0 && attribute->data[attribute->length - 1] == character;
+}
+
+int Syntax_Strip_End (const Syntax_Run *run, Attribute *attribute, int trailing) {
+    if (trailing == SYNTAX_NONE) return 1;
+    while (Last_Is (attribute, trailing)) attribute->length--;
+
+    int wrong = trailing == ' ' ? NUL : ' ';
+    if (!Last_Is (attribute, wrong)) return 1;
+    Syntax_Note (run, attribute, "invalid padding char used in \"" SYNTAX_BYTES "\" (%s instead of %s)",
+                 Syntax_Text_Length (attribute), Syntax_Text (attribute), wrong ? "SPACE" : "NULL",
+                 wrong ? "NULL" : "SPACE");
+    attribute->length--;
+    return 0;
+}
+
+int32_t Syntax_Leading (const Attribute *attribute, int leading) {
+    int32_t count = 0;
+    if (leading == SYNTAX_NONE) return 0;
+    while (count < attribute->length && attribute->data[count] == leading) count++;
+    return count;
+}
+
+int32_t Syntax_Outside_Set (const Attribute *attribute, const char *set) {
+    uint8_t allowed[256] = {};
+    for (const char *character = set; *character; character++) allowed[static_cast<uint8_t> (*character)] = 1;
+    int32_t count = 0;
+    for (int32_t i = 0; i < attribute->length; i++) count += !allowed[attribute->data[i]];
+    return count;
+}
+
+void Syntax_Set_Note (const Syntax_Run *run, const Attribute *attribute, int32_t count, const char *set) {
+    Syntax_Note (run, attribute, SYNTAX_NUMBER " char in \"" SYNTAX_BYTES "\" not from set \"" SYNTAX_TEXT "\"", count,
+                 Syntax_Text_Length (attribute), Syntax_Text (attribute), set);
+}
+
+void Syntax_Title_Note (const Syntax_Run *run, const Attribute *attribute) {
+    int32_t count = 0;
+    for (int32_t i = 0; i < attribute->length; i++) count += attribute->data[i] < 0x20 || attribute->data[i] > 0x7E;
+    if (count) Syntax_Note (run, attribute, SYNTAX_NUMBER " Invalid character in data", count);
+}
+
+void Syntax_Length_Warning (const Syntax_Run *run, const Attribute *attribute) {
+    Syntax_Warn (run, attribute, "Invalid data! Expecting %s but got " SYNTAX_NUMBER " bytes", run->rule->expecting,
+                 attribute->length);
+}
+
+void Syntax_Too_Long (const Syntax_Run *run, const Attribute *attribute, const char *value, int32_t length,
+                      int32_t max) {
+    Syntax_Warn (run, attribute,
+                 "String too long! (" SYNTAX_NUMBER "/vs/" SYNTAX_NUMBER " max) Truncated to \"" SYNTAX_BYTES
+                 "\"(" SYNTAX_BYTES ")", length, max, max, value, length - max, value + max);
+}
+
+// --- integers --------------------------------------------------------------
+
+// The bytes of one integer without signs and blanks. From the second value on its backslash is the first of them, which
+// leaves a later value one digit less: files rely on being judged so.
+struct Collected {
+    char    bytes[LOG_TEXT_SIZE];   // More than a message holds aren't kept.
+    int32_t count;
+};
+
+static void Collect (Collected *collected, char byte) {
+    if (collected->count < LOG_TEXT_SIZE) collected->bytes[collected->count] = byte;
+    collected->count++;
+}
+
+static int Fits (const Syntax_Run *run, const Attribute *attribute, const Collected *collected) {
+    if (collected->count < 10 || (collected->count == 10 && collected->bytes[0] <= '2')) return 1;
+    int shown = collected->count < LOG_TEXT_SIZE ? collected->count : LOG_TEXT_SIZE;
+    Syntax_Warn (run, attribute, "Value out of range (" SYNTAX_BYTES " \\vs\\ -2**31 to 2**31 - 1)", shown,
+                 collected->bytes);
+    return 0;
+}
+
+int Syntax_Integers_Fit (const Syntax_Run *run, const Attribute *attribute) {
+    const char *text   = Syntax_Text (attribute);
+    int32_t     length = Syntax_Text_Length (attribute);
+    Collected   collected;
+    collected.count = 0;
+    for (int32_t i = 0; i < length; i++) {
+        if (text[i] == '\\') {
+            if (!Fits (run, attribute, &collected)) return 0;
+            collected.count = 0;
+        }
+        if (text[i] != '-' && text[i] != ' ') Collect (&collected, text[i]);
+    }
+    return Fits (run, attribute, &collected);
+}
+
+// --- old forms -------------------------------------------------------------
+
+// The number that count characters show; it ends at the first that is no digit.
+static int Digits (const Attribute *attribute, int32_t start, int32_t count) {
+    int number = 0;
+    for (int32_t i = start; i < start + count; i++) {
+        int digit = attribute->data[i] - '0';
+        if (digit < 0 || digit > 9) break;
+        number = number * 10 + digit;
+    }
+    return number;
+}
+
+static void Date_Text (char *suggestion, int year, int month, int day) {
+    snprintf (suggestion, SYNTAX_DATE_SIZE, "%04d%02d%02d", year, month, day);
+}
+
+Syntax_Date Syntax_Date_Form (const Attribute *attribute, char suggestion[SYNTAX_DATE_SIZE]) {
+    suggestion[0] = 0;
+    if (attribute->length == 8) return DATE_CURRENT;
+    if (attribute->length == 10 && !memcmp (attribute->data, "19", 2) && attribute->data[5] == '.') {
+        // "19100.01.3": 1900 and the years since, which pushed the last digit out.
+        Date_Text (suggestion, 1900 + Digits (attribute, 2, 3), Digits (attribute, 6, 2), Digits (attribute, 9, 1) * 10);
+        return DATE_Y2K;
+    }
+    if (attribute->length == 10) {
+        Date_Text (suggestion, Digits (attribute, 0, 4), Digits (attribute, 5, 2), Digits (attribute, 8, 2));
+        return DATE_OLD;
+    }
+    if (attribute->length == 6) {
+        // The month counts from 0 in this form.
+        int year = 1900 + Digits (attribute, 0, 2);
+        if (year < 1960) year += 100;
+        Date_Text (suggestion, year, Digits (attribute, 2, 2) + 1, Digits (attribute, 4, 2));
+        return DATE_OLD;
+    }
+    return DATE_UNKNOWN;
+}
+
+int Syntax_Time_Is_Old (const Attribute *attribute) {
+    return attribute->length >= 3 && (attribute->data[2] == ':' || attribute->data[2] == '.');
+}
+
+void Syntax_Old_Time (const Attribute *attribute, char *suggestion) {
+    for (int32_t i = 0; i < attribute->length; i++)
+        if (i != 2 && i != 5) *suggestion++ = static_cast<char> (attribute->data[i]);
+    *suggestion = 0;
+}

@@ -1,0 +1,3 @@
+tagwright_test (syntax
+    cleanup_test.cpp
+    syntax_check_test.cpp)

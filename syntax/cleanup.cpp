@@ -120,6 +120,15 @@ static char *Add_Piece (Syntax_Run *run, Attribute *attribute, char *result, con
     return result + length;
 }
 
+// Takes blanks off the last value without touching the bytes; one that is too long is left to be cut first.
+static void Trim_End (Attribute *attribute, int32_t max) {
+    const char *text  = Syntax_Text (attribute);
+    int32_t     start = attribute->length;
+    while (start && text[start - 1] != '\\') start--;
+    if (attribute->length - start > max) return;
+    while (attribute->length > start && Is_Blank (text[attribute->length - 1])) attribute->length--;
+}
+
 // Writes the values anew. 1, or 0 when memory ran out.
 static int Join_Pieces (Syntax_Run *run, Attribute *attribute, const char *text, int32_t length, int32_t max) {
     char *new_data = static_cast<char *> (
@@ -149,6 +158,7 @@ int32_t DICOM_Tag_Cleanup_Text_Multiple (Syntax_Run *run, Attribute *attribute, 
         attribute->length--;
         attribute->flags |= SYNTAX_ERROR;
     }
+    Trim_End (attribute, max);
     const char *text   = Syntax_Text (attribute);
     int32_t     length = attribute->length;
     int32_t     pieces = Count_Pieces (text, length);

@@ -48,7 +48,7 @@ static void Expect_Clean (const Clean_Case &one, uint16_t group = 0x0018) {
     EXPECT_EQ (one.findings, Findings (log)) << one.vr << " " << one.value;
     EXPECT_EQ (ORIGIN_DICOM | one.flags, attribute.flags) << one.vr << " " << one.value;
     EXPECT_EQ (one.cleaned != DISCARDED, result) << one.vr << " " << one.value;
-    if (one.cleaned == DISCARDED) EXPECT_EQ (0, attribute.length);
+    EXPECT_TRUE (one.cleaned != DISCARDED || attribute.length == 0);
     EXPECT_EQ (one.value, Value (&keeper));
     Value_Release (&attribute);
     Value_Release (&keeper);
@@ -62,7 +62,7 @@ TEST (Cleanup, GoodValuesStayAsTheyAreAndCostNoMemory) {
         std::string value;
     } cases[] = {
         {"AE", "STATION1"}, {"AE", "STATION "}, {"AS", "045Y"}, {"AT", std::string ("\x10\x00\x10\x00", 4)},
-        {"CS", "ORIGINAL\\PRIMARY"}, {"CS", "AXIAL "}, {"DA", "20240131"}, {"DS", "1.5\\-2e3 "}, {"DT", "20240131"},
+        {"CS", "ORIGINAL\\PRIMARY"}, {"CS", "AXIAL "}, {"DA", "20240131"}, {"DS", "1.5\\-2e33 "}, {"DT", "20240131"},
         {"FD", std::string (8, '\1')}, {"FL", "1234"}, {"IS", "12\\-5 "}, {"LO", "text"}, {"LT", "text"},
         {"OF", "1234"}, {"OW", "12"}, {"PN", "Doe^John"}, {"PN", "Doe^Joh "}, {"SH", "text"}, {"SL", "1234"},
         {"SS", "12"}, {"ST", "text"}, {"TM", "123000.5"}, {"UI", "1.2.840" + NUL}, {"UI", "1.2.84"}, {"UL", "1234"},
@@ -151,11 +151,7 @@ TEST (Cleanup, LongPiecesAreCutAndAllAreTrimmed) {
         {"SH", "A" + NUL + "BC", "A ", 0, ""},
         {"LO", "a\\\\b ", "a\\\\b", 0, ""},
     };
-    for (const Clean_Case &one : cases)
-        if (one.vr != std::string ("IS") && one.vr != std::string ("LO")) Expect_Clean (one);
-    Expect_Clean ({"IS", "- - - - - - -1", "- - - - - -\x20", SYNTAX_ERROR,
-                   "W: String too long! (14/vs/12 max) Truncated to \"- - - - - - \"(-1)\n"});
-    Expect_Clean ({"LO", "a\\\\b ", "a\\\\b", 0, ""});
+    for (const Clean_Case &one : cases) Expect_Clean (one);
 }
 
 TEST (Cleanup, LongSingleTextsAreCut) {
@@ -268,14 +264,10 @@ TEST (Cleanup, OldDatesAreRewritten) {
          "N: 1 char in \"20240131 \" not from set \"0123456789.\\\"\n"},
         {"DA", "2024-01-31", "20240131", SYNTAX_ERROR,
          "N: 2 char in \"2024-01-31\" not from set \"0123456789.\\\"\n"},
-        {"DA", "2024-1-3", "20240231", SYNTAX_ERROR,
+        {"DA", "2024-1-3", "20202513", SYNTAX_ERROR,
          "N: 2 char in \"2024-1-3\" not from set \"0123456789.\\\"\nN: Old syntax! 202413 changed to 20202513\n"},
     };
-    for (const Clean_Case &one : cases)
-        if (one.value != "2024-1-3") Expect_Clean (one);
-    // What is left after the removal decides about the form: six digits.
-    Expect_Clean ({"DA", "2024-1-3", "20202513", SYNTAX_ERROR,
-                   "N: 2 char in \"2024-1-3\" not from set \"0123456789.\\\"\nN: Old syntax! 202413 changed to 20202513\n"});
+    for (const Clean_Case &one : cases) Expect_Clean (one);
 }
 
 TEST (Cleanup, OldTimesAreRewritten) {
@@ -380,13 +372,16 @@ TEST (Cleanup, EveryFailedAllocationKeepsAValueAndIsReported) {
 
 // --- twice is once ---------------------------------------------------------
 
-// Two rules look at one byte a pass, so a second pass may go on where they stopped: the byte behind a first one that was
-// removed isn't examined, and of several backslashes at the end one is taken. An old time that has further separators is
-// one again. Such values are left out; what remains must not change any more.
+// Some rules look at one byte a pass, so a second pass may go on where they stopped: the byte behind a first one that was
+// removed isn't examined, and of several backslashes or wrong pads at the end one is taken, which may lay a right pad bare. An old time that has further
+// separators is one again. The blank that makes an AE even may make its last value too long. Such values are left out; what remains must not change any more.
 static bool Is_Settled (const Attribute *attribute, const Syntax_Rule *rule) {
     if (!attribute->data || attribute->length == 0) return true;
     std::string value = Value (attribute);
-    if (rule->set && !strchr (rule->set, value[0])) return false;
+    if (rule->set && Syntax_Outside_Set (attribute, rule->set)) return false;
+    bool padded = value.back () == ' ' || value.back () == '\0';
+    if (padded && rule->trailing != SYNTAX_NONE && rule->even == SYNTAX_NONE) return false;
+    if (value.size () - (value.rfind ('\\') + 1) > static_cast<size_t> (rule->maximum) && rule->even == ' ') return false;
     while (!value.empty () && (value.back () == ' ' || value.back () == '\0')) value.pop_back ();
     if (!value.empty () && value.back () == '\\') return false;
     return rule->form != SYNTAX_TIME || !Syntax_Time_Is_Old (attribute);

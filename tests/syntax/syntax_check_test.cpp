@@ -258,7 +258,7 @@ TEST (SyntaxCheck, OldDatesAreRecognised) {
         {"DA", "991131", 0, "N: Old syntax! 991131 should be changed to 19991231\n"},
         {"DA", "19100.01.3", 0, "W: Y2K bug! 19100.01.3 = 2000013? (last digit of day is lost!)\n"},
         {"DA", "1910.01.31", 0, "N: Old syntax! 1910.01.31 should be changed to 19100131\n"},
-        {"DA", "20100.01.3", 0, "N: Old syntax! 20100.01.3 should be changed to 20100003\n"},
+        {"DA", "20100.01.3", 0, "N: Old syntax! 20100.01.3 should be changed to 20100000\n"},
         {"DA", "", 0, "W: Invalid data! Expecting 6, 8 or 10 bytes but got 0 bytes\n"},
         {"DA", "2024013", 0, "W: Invalid data! Expecting 6, 8 or 10 bytes but got 7 bytes\n"},
         {"DA", "20240131\\20240201", 0, "W: Invalid data! Expecting 6, 8 or 10 bytes but got 17 bytes\n"},

@@ -58,7 +58,7 @@ TEST (Examples, CtPairHasEveryKindOfDifference) {
     Log_Recorder log;
     EXPECT_EQ (12, Compare ("ct_a.dcm", "ct_b.dcm", 1));
     for (const char *line : {"! (0002,0003)       UI (  18) 1 bytes diff", "! (0008,0018)       UI (  18) 1 bytes diff",
-                             "! (0008,0033)       TM (14/vs/6)", "! > (0008,1155)     UI (  16) 1 bytes diff",
+                             "! (0008,0033)       TM (13/vs/6)", "! > (0008,1155)     UI (  16) 1 bytes diff",
                              "+ > (0008,1150)     UI (  26)", "+ > (0008,1155)     UI (  16)",
                              "- (0010,1010)       AS (   4)", "! (0010,4000)       LT implicit/vs/explicit",
                              "+ (0018,1030)       LO (  12)", "! (0020,4000)       LT explicit/vs/implicit",

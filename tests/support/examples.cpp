@@ -211,7 +211,7 @@ std::vector<Example_Pair> Example_Pairs () {
         {"ct_a.dcm", "ct_b.dcm", 12},
         {"nested_a.dcm", "nested_b.dcm", 3},
         {"implicit_a.dcm", "explicit_b.dcm", 23},
-        {"explicit_b.dcm", "big_endian.dcm", 9},
+        {"explicit_b.dcm", "big_endian.dcm", 1},
         {"explicit_b.dcm", "bare_stream.dcm", 7},
         {"explicit_b.dcm", "damaged.dcm", 1},
         {"explicit_b.dcm", "damaged_header.dcm", 1},

@@ -35,7 +35,7 @@ step () { # name, command...
 build () { # preset
   mkdir -p "build/$1"
   if ! { cmake --preset "$1" && cmake --build --preset "$1" --parallel "$jobs"; } >"build/$1/build.log" 2>&1; then
-    grep -nE -A 20 'FAILED|[Ee]rror' "build/$1/build.log" | head -n 200
+    grep -E -A 8 'FAILED: |error: |CMake Error|undefined reference' "build/$1/build.log" | head -n 100
     echo "the whole of it: build/$1/build.log"
     return 1
   fi

@@ -1,1 +1,6 @@
-tagwright_test (compare attribute_comparison_test.cpp comparison_run_test.cpp examples_test.cpp file_reader_test.cpp)
+tagwright_test (compare
+    attribute_comparison_test.cpp
+    cleanup_listing_test.cpp
+    comparison_run_test.cpp
+    examples_test.cpp
+    file_reader_test.cpp)

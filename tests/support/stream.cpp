@@ -12,7 +12,7 @@ static void Add (Stream *stream, uint64_t number, int size, bool big) {
 }
 
 static void Add_Number (Stream *stream, uint64_t number, int size) {
-    Add (stream, number, size, stream->syntax == EXPLICIT_BIG);
+    Add (stream, number, size, stream->syntax == EXPLICIT_BIG || stream->syntax == IMPLICIT_BIG);
 }
 
 static bool Has_Long_Length (const char *vr) {
@@ -60,7 +60,8 @@ void Stream_Add_Double (Stream *stream, double number) {
 void Stream_Add_Header (Stream *stream, uint16_t group, uint16_t element, const char *vr, uint32_t length) {
     Stream_Add_16 (stream, group);
     Stream_Add_16 (stream, element);
-    if (stream->syntax == IMPLICIT_LITTLE || group == 0xFFFE) {
+    bool implicit = stream->syntax == IMPLICIT_LITTLE || stream->syntax == IMPLICIT_BIG;
+    if (implicit || group == 0xFFFE) {
         Stream_Add_32 (stream, length);
         return;
     }

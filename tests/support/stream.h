@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-enum Stream_Syntax { IMPLICIT_LITTLE, EXPLICIT_LITTLE, EXPLICIT_BIG };
+// The last has no transfer syntax: only a bare stream can be written so.
+enum Stream_Syntax { IMPLICIT_LITTLE, EXPLICIT_LITTLE, EXPLICIT_BIG, IMPLICIT_BIG };
 
 struct Stream {
     Stream_Syntax              syntax;

@@ -1,0 +1,1 @@
+#include "attribute/sort.h"

@@ -1,0 +1,1 @@
+#include "tables/definition_files.h"

@@ -6,6 +6,7 @@
 #include <string.h>
 
 #include "attribute/NEMA_Tag_Attribute.h"
+#include "attribute/NEMA_Tag_Complement.h"
 #include "attribute/format.h"
 #include "attribute/listing.h"
 #include "attribute/value.h"
@@ -321,6 +322,11 @@ static void Clean (Window window, SequenceCursor *cursor, Attribute *list) {
     DICOM_Attribute_Cleanup_Walk (window, cursor, list);
 }
 
+static void Complete (Window window, SequenceCursor *cursor, Attribute *list) {
+    DICOM_Attribute_Sequence_Reset (window, cursor);
+    DICOM_Attribute_Complement (window, cursor, list);
+}
+
 static void Drop_Structure (Window window, SequenceCursor *cursor, Attribute **list) {
     DICOM_Attribute_Sequence_Reset (window, cursor);
     DICOM_Attribute_Delete (window, cursor, list, GROUP_DELIMITER, TAG_ANY);
@@ -342,6 +348,7 @@ Attribute *File_Read_List (Window window, SequenceCursor *cursor, const char *na
                 "-----                       Stool After Cleanup                          ----- ");
 
     Log_Section (window, LOG_TRACE2, "-----           Complementing the info                                    -----");
+    Complete (window, cursor, list);
     Drop_Structure (window, cursor, &list);
     Trace_List (window, cursor, list,
                 "-----                       Stool After Complement                        -----");

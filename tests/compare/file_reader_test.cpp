@@ -914,6 +914,64 @@ TEST (FileReader, PhasesAreSilentAtLevelOne) {
     EXPECT_FALSE (log.Contains ("Stool"));
 }
 
+static std::string Description (const Attribute *attribute) {
+    if (!attribute) return "(no attribute)";
+    return attribute->description ? attribute->description : "(none)";
+}
+
+// What the file doesn't say is added, in items too; and of the structure, which gets names as well, nothing is left.
+TEST (FileReader, ListIsCompleted) {
+    Reader reader;
+    Stream stream = Stream_Begin_File (IMPLICIT_LITTLE);
+    Stream_Add_Long (&stream, 0x0008, 0x0000, "UL", 0);
+    Stream_Add_Text (&stream, 0x0009, 0x0010, "LO", "ACME 1.0");
+    Stream_Add_Short (&stream, 0x0009, 0x1001, "US", 7);
+    Stream_Add_Text (&stream, 0x0010, 0x0010, "PN", "Doe^John");
+    Stream_Open_Sequence (&stream, 0x0032, 0x1064, false);
+    Stream_Open_Item (&stream, false);
+    Stream_Add_Text (&stream, 0x0009, 0x1002, "LO", "inside");
+    Stream_Close_Item (&stream);
+    Stream_Close_Sequence (&stream);
+    Stream_Add_Bytes (&stream, 0x7FE0, 0x0010, "OW", "pixels");
+    reader.Nested (stream.bytes);
+
+    EXPECT_EQ ("\xF1\x02===== Group 0008 (Identifying) =======", Description (reader.Find (0x0008, 0x0000)));
+    EXPECT_EQ ("Private Creator Data Element", Description (reader.Find (0x0009, 0x0010)));
+    EXPECT_EQ ("ACME 1.0", Description (reader.Find (0x0009, 0x1001)));
+    EXPECT_EQ ("(none)", Description (reader.Find (0x0010, 0x0010)));
+    EXPECT_EQ (VR_PN, reader.Find (0x0010, 0x0010)->vr);
+    EXPECT_EQ ("Pixel Data", Description (reader.Find (0x7FE0, 0x0010)));
+    EXPECT_EQ (VR_OB, reader.Find (0x7FE0, 0x0010)->vr);
+
+    const Attribute *sequence = reader.Find (0x0032, 0x1064);
+    ASSERT_EQ (1, sequence->nb_item);
+    EXPECT_EQ ("ACME 1.0", Description (sequence->item[0]));
+    EXPECT_EQ ("(0032,1064)[(0009,1002)]", Outline (sequence).substr (0, 24));
+    EXPECT_EQ (std::string::npos, Outline (reader.list).find ("FFFE"));
+}
+
+// The cleaned values are completed, the item tags among them, before those go.
+TEST (FileReader, CompletionHasItsPlace) {
+    Reader       reader;
+    Log_Recorder log (5);
+    Stream       stream = Small_File ();
+    Stream_Open_Sequence (&stream, 0x0032, 0x1064, false);
+    Stream_Open_Item (&stream, false);
+    Stream_Close_Item (&stream);
+    Stream_Close_Sequence (&stream);
+    reader.Nested (stream.bytes);
+    int banner = Place (log, LOG_TRACE2,
+                        "-----           Complementing the info                                    -----");
+    int start  = Place (log, LOG_TRACE4, "in DICOM_Attribute_Complement()");
+    int item   = Place (log, LOG_TRACE5, "DICOM_Attribute_Complement (fffe,e000)");
+    int drop   = Place (log, LOG_TRACE5, "in DICOM_Attribute_Delete(fffe,ffff)");
+    ASSERT_LT (0, banner);
+    EXPECT_LT (banner, start);
+    EXPECT_LT (start, item);
+    EXPECT_LT (item, drop);
+    EXPECT_EQ ("in DICOM_Attribute_Sequence_Reset()", log.lines[static_cast<size_t> (start) - 2].text);
+}
+
 TEST (FileReader, ExamplesGiveLists) {
     for (const Example &example : Examples_Make ()) {
         Reader       reader;

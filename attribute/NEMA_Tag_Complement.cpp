@@ -1,0 +1,252 @@
+// One pass over a list and all its items. A private attribute (gggg,bbee) belongs to the creator (gggg,00bb); PS3.5 7.8.1
+// asks for the creator in the same item, but here it is the first one of the top list for all depths. The creators are
+// gathered once, so that 50,000 private attributes, in whatever order, don't search the list 50,000 times.
+#include "attribute/NEMA_Tag_Complement.h"
+
+#include <stdarg.h>
+#include <stdio.h>
+#include <string.h>
+
+#include "attribute/NEMA_Tag_Attribute.h"
+#include "tables/data_dictionary.h"
+#include "util/my_error_fct.h"
+#include "util/text.h"
+
+static const char *const MODULE = "NEMA_Tag_Complement";
+
+static const uint16_t CREATOR_FIRST  = 0x0010; // Elements of an odd group that name a creator,
+static const uint16_t CREATOR_LAST   = 0x00FF;
+static const uint16_t PRIVATE_FIRST  = 0x1000; // and those that belong to one.
+static const uint16_t ELEMENT_PIXELS = 0x0010; // (7FE0,0010)
+
+static const int32_t GROUP_LENGTH_SIZE = 4; // Bytes of a group length that is one.
+
+// --- descriptions ----------------------------------------------------------
+
+int DICOM_Attribute_Set_Description (Window window, Attribute *attribute, uint16_t vr, const char *format, ...) {
+    char    text[DESCRIPTION_TEXT_SIZE];
+    va_list arguments;
+    va_start (arguments, format);
+    if (vsnprintf (text, sizeof text, format, arguments) < 0) text[0] = 0;
+    va_end (arguments);
+
+    if (vr) attribute->vr = vr;
+    Memory_Free (attribute->description);
+    attribute->description = nullptr;
+    if (!text[0]) return 1;
+    attribute->description = Memory_Strdup (window, HERE ("tag->description", 0, 0), text);
+    return attribute->description != nullptr;
+}
+
+// --- group lengths ---------------------------------------------------------
+
+#define BANNER EMPHASIS COLOUR_BLACK "===== "
+
+struct Group_Banner {
+    uint16_t    group;
+    const char *text;
+};
+
+// clang-format off
+static const Group_Banner BANNERS[] = {
+    {0x0002, BANNER "Group 0002 (File) =============="},
+    {0x0008, BANNER "Group 0008 (Identifying) ======="},
+    {0x0010, BANNER "Group 0010 (Patient) ==========="},
+    {0x0018, BANNER "Group 0018 (Acquisition) ======="},
+    {0x0020, BANNER "Group 0020 (Relationship) ======"},
+    {0x0028, BANNER "Group 0028 (Presentation) ======"},
+    {0x7FE0, BANNER "Group 7FE0 (Image Data) ========"},
+};
+// clang-format on
+
+static void Describe_Group_Length (Window window, Attribute *attribute) {
+    for (const Group_Banner &banner : BANNERS) {
+        if (banner.group != attribute->group) continue;
+        DICOM_Attribute_Set_Description (window, attribute, VR_UL, "%s", banner.text);
+        return;
+    }
+    if (attribute->length == GROUP_LENGTH_SIZE)
+        DICOM_Attribute_Set_Description (window, attribute, VR_UL,
+                                         BANNER "Group %04x =====================", attribute->group);
+}
+
+// --- private creators ------------------------------------------------------
+
+// The creators of a list in a table with open addressing. Without a table (slots none) the list is searched.
+struct Creators {
+    Attribute  *first; // The top list, borrowed; none when it holds no creator.
+    Attribute **slots; // Owned; an empty one is none. At least half of them are.
+    uint32_t    mask;  // Number of slots - 1.
+};
+
+static int Is_Creator (const Attribute *attribute) {
+    return (attribute->group & 1) && attribute->element >= CREATOR_FIRST && attribute->element <= CREATOR_LAST;
+}
+
+// The slot of the creator with this tag, or the empty one where it would stand.
+static Attribute **Creator_Slot (const Creators *creators, uint16_t group, uint16_t element) {
+    uint32_t slot = ((static_cast<uint32_t> (group) << 8 | element) * 2654435761u >> 7) & creators->mask;
+    while (creators->slots[slot] &&
+           Tag_Compare (creators->slots[slot]->group, creators->slots[slot]->element, group, element) != 0)
+        slot = (slot + 1) & creators->mask;
+    return &creators->slots[slot];
+}
+
+// Without memory for the table it goes on with searches, after the calloc message.
+static void Creators_Gather (Window window, Creators *creators, Attribute *first) {
+    size_t count = 0, size = 1;
+    for (Attribute *record = first; record; record = record->next) count += Is_Creator (record);
+    while (size < 2 * count) size *= 2;
+
+    *creators = {count ? first : nullptr, nullptr, static_cast<uint32_t> (size - 1)};
+    if (!count) return;
+    creators->slots = static_cast<Attribute **> (
+        Memory_Calloc (window, HERE ("creators->slots", size, 8), size * sizeof (Attribute *)));
+    for (Attribute *record = first; record && creators->slots; record = record->next) {
+        if (!Is_Creator (record)) continue;
+        Attribute **slot = Creator_Slot (creators, record->group, record->element);
+        if (!*slot) *slot = record; // The first one with its tag.
+    }
+}
+
+static Attribute *Creator_Find (Window window, const Creators *creators, uint16_t group, uint16_t element) {
+    if (creators->slots) return *Creator_Slot (creators, group, element);
+    SequenceCursor top = {}; // Of its own: from where the walk stands, looking would create sequences.
+    return DICOM_Attribute_Get (window, &top, creators->first, group, element, 0);
+}
+
+// The name that a creator's value holds, up to its first zero byte and without blanks around it.
+static void Creator_Name (const Attribute *creator, char *name) {
+    int length = creator->data ? creator->length : 0;
+    if (length > CREATOR_NAME_LENGTH) length = CREATOR_NAME_LENGTH;
+    if (length < 0) length = 0;
+    if (length) memcpy (name, creator->data, static_cast<size_t> (length));
+    name[length] = 0;
+    Text_Trim (name);
+}
+
+static void Complement_Private (Window window, const Creators *creators, Attribute *attribute) {
+    if (Is_Creator (attribute)) {
+        DICOM_Attribute_Set_Description (window, attribute, VR_LO, "Private Creator Data Element");
+    } else if (attribute->element >= PRIVATE_FIRST) {
+        uint16_t         block   = static_cast<uint16_t> (attribute->element >> 8);
+        const Attribute *creator = Creator_Find (window, creators, attribute->group, block);
+        char             name[CREATOR_NAME_LENGTH + 1];
+        if (!creator) return;
+        Creator_Name (creator, name);
+        DICOM_Attribute_Set_Description (window, attribute, 0, "%s", name);
+    }
+}
+
+int DICOM_Attribute_Complement_Private (Window window, SequenceCursor *, Attribute *first, Attribute *attribute) {
+    Creators creators = {first, nullptr, 0};
+    Complement_Private (window, &creators, attribute);
+    return 1;
+}
+
+// --- private compression groups --------------------------------------------
+
+struct Known_Element {
+    uint16_t    element;
+    uint16_t    vr;
+    const char *description;
+};
+
+// clang-format off
+static const Known_Element ELEMENTS_1000[] = {
+    {0x0000, VR_LT, EMPHASIS COLOUR_BLACK "---- ---- Group 1000: Compression Info ---- ----" COLOUR_BLUE},
+    {0x0010, VR_US, "Huffman:"},
+    {0x0012, VR_US, "Nb. Huffman Values:"},
+    {0x0013, VR_SS, "Huffman Values:"},
+};
+static const Known_Element ELEMENTS_7Fxx[] = {
+    {0x0000, VR_UL, "Siemens Compression: Group Name"},
+    {0x0010, VR_OB, "Siemens Compression: Data"},
+    {0x0011, VR_OW, "Siemens Compression: Next Group"},
+};
+// clang-format on
+
+static void Describe_Known (Window window, Attribute *attribute, const Known_Element *elements, size_t count) {
+    for (size_t i = 0; i < count; i++)
+        if (elements[i].element == attribute->element)
+            DICOM_Attribute_Set_Description (window, attribute, elements[i].vr, "%s", elements[i].description);
+}
+
+int SPI_Complement_1000 (Window window, Attribute *attribute) {
+    Log_Message (window, LOG_TRACE5, "in SPI_Complement_1000(%04x,%04x)", attribute->group, attribute->element);
+    Describe_Known (window, attribute, ELEMENTS_1000, sizeof ELEMENTS_1000 / sizeof *ELEMENTS_1000);
+    return 1;
+}
+
+int SPI_Complement_7Fxx (Window window, Attribute *attribute) {
+    Log_Message (window, LOG_TRACE5, "in SPI_Complement_7Fxx(%04x,%04x)", attribute->group, attribute->element);
+    Describe_Known (window, attribute, ELEMENTS_7Fxx, sizeof ELEMENTS_7Fxx / sizeof *ELEMENTS_7Fxx);
+    return 1;
+}
+
+// --- structure -------------------------------------------------------------
+
+static void Describe_Structure (Window window, Attribute *attribute) {
+    switch (attribute->element) {
+    case ELEMENT_ITEM: DICOM_Attribute_Set_Description (window, attribute, 0, COLOUR_BLUE "Item"); break;
+    case ELEMENT_ITEM_END:
+        DICOM_Attribute_Set_Description (window, attribute, 0, COLOUR_BLUE "Item Delimitation Item");
+        break;
+    case ELEMENT_SEQUENCE_END:
+        DICOM_Attribute_Set_Description (window, attribute, 0, COLOUR_BLUE "Sequence Delimitation Item");
+        break;
+    default: break;
+    }
+}
+
+// --- the pass --------------------------------------------------------------
+
+static void Look_Up (Window window, Attribute *attribute) {
+    if (!attribute->definition)
+        attribute->definition = Dictionary_Lookup (window, attribute->group, attribute->element);
+    if (attribute->definition && !attribute->vr) attribute->vr = attribute->definition->vr[0];
+}
+
+// A later rule replaces what an earlier one said.
+static void Complement_One (Window window, const Creators *creators, Attribute *attribute) {
+    uint16_t group      = attribute->group;
+    int      is_private = attribute->flags & PRIVATE;
+
+    Look_Up (window, attribute);
+    if (attribute->element == 0 && !attribute->description) Describe_Group_Length (window, attribute);
+    if (group & 1) Complement_Private (window, creators, attribute);
+    if (is_private && group == 0x1000) SPI_Complement_1000 (window, attribute);
+    if (is_private && group >= 0x7F00 && group <= 0x7FDF) SPI_Complement_7Fxx (window, attribute);
+    if (group == GROUP_PIXEL && attribute->element == ELEMENT_PIXELS)
+        DICOM_Attribute_Set_Description (window, attribute, VR_OB, "Pixel Data");
+    if (group == GROUP_DELIMITER) Describe_Structure (window, attribute);
+}
+
+static void Complement_List (Window window, SequenceCursor *cursor, const Creators *creators, Attribute *list);
+
+static void Complement_Items (Window window, SequenceCursor *cursor, const Creators *creators, Attribute *attribute) {
+    DICOM_Attribute_Sequence_Start (window, cursor, attribute->group, attribute->element, attribute->flags, LOG_TRACE5);
+    for (int32_t i = 0; i < attribute->nb_item && attribute->item[i]; i++) {
+        DICOM_Attribute_Item_Start (window, cursor, LOG_TRACE5);
+        Complement_List (window, cursor, creators, attribute->item[i]);
+        DICOM_Attribute_Item_Stop (window, cursor, LOG_TRACE5);
+    }
+    DICOM_Attribute_Sequence_Stop (window, cursor, LOG_TRACE5);
+}
+
+static void Complement_List (Window window, SequenceCursor *cursor, const Creators *creators, Attribute *list) {
+    Log_Message (window, LOG_TRACE4, "in DICOM_Attribute_Complement()");
+    for (Attribute *record = list; record; record = record->next) {
+        Log_Message (window, LOG_TRACE5, "DICOM_Attribute_Complement (%04x,%04x)", record->group, record->element);
+        Complement_One (window, creators, record);
+        if (record->item) Complement_Items (window, cursor, creators, record);
+    }
+}
+
+int DICOM_Attribute_Complement (Window window, SequenceCursor *cursor, Attribute *first) {
+    Creators creators;
+    Creators_Gather (window, &creators, first);
+    Complement_List (window, cursor, &creators, first);
+    Memory_Free (creators.slots);
+    return 0;
+}

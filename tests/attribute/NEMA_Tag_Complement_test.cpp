@@ -1,0 +1,552 @@
+#include "attribute/NEMA_Tag_Complement.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <random>
+#include <string>
+
+#include "attribute/NEMA_Tag_Attribute.h"
+#include "tables/data_dictionary.h"
+#include "tests/support/lists.h"
+#include "tests/support/log_recorder.h"
+#include "util/memory.h"
+
+static std::string Description (const Attribute *attribute) {
+    return attribute->description ? attribute->description : "(none)";
+}
+
+static std::string VR (const Attribute *attribute) {
+    return {Code_First (attribute->vr, '-'), Code_Second (attribute->vr, '-')};
+}
+
+static void Complement (Test_List *list) {
+    list->Reset ();
+    EXPECT_EQ (0, DICOM_Attribute_Complement (nullptr, &list->cursor, list->first));
+}
+
+// One attribute, completed alone in its list.
+struct One {
+    Test_List  list;
+    Attribute *attribute;
+
+    One (uint16_t group, uint16_t element, const std::string &value = "", const char *description = nullptr,
+         uint16_t flags = 0) {
+        attribute = list.Add (group, element, "", value);
+        attribute->flags |= flags;
+        if (description) DICOM_Attribute_Set_Description (nullptr, attribute, 0, "%s", description);
+        Complement (&list);
+    }
+};
+
+// --- descriptions ----------------------------------------------------------
+
+TEST (NemaTagComplement, DescriptionIsFormattedAndReplacesTheOldOne) {
+    Test_List  list;
+    long       live      = Memory_Live ();
+    Attribute *attribute = list.Add (0x0009, 0x1001);
+    EXPECT_EQ (1, DICOM_Attribute_Set_Description (nullptr, attribute, VR_US, "%s %d", "number", 7));
+    EXPECT_EQ ("number 7", Description (attribute));
+    EXPECT_EQ ("US", VR (attribute));
+    EXPECT_EQ (1, DICOM_Attribute_Set_Description (nullptr, attribute, 0, "[%s]", attribute->description));
+    EXPECT_EQ ("[number 7]", Description (attribute));
+    EXPECT_EQ ("US", VR (attribute));
+    EXPECT_EQ (live + 2, Memory_Live ());
+    EXPECT_EQ (1, DICOM_Attribute_Set_Description (nullptr, attribute, VR_LO, "%s", ""));
+    EXPECT_EQ (nullptr, attribute->description);
+    EXPECT_EQ ("LO", VR (attribute));
+    EXPECT_EQ (live + 1, Memory_Live ());
+}
+
+TEST (NemaTagComplement, LongDescriptionIsCut) {
+    Test_List   list;
+    Attribute  *attribute = list.Add (0x0009, 0x1001);
+    std::string text (5000, 'x');
+    EXPECT_EQ (1, DICOM_Attribute_Set_Description (nullptr, attribute, 0, "%s", text.c_str ()));
+    EXPECT_EQ (text.substr (0, DESCRIPTION_TEXT_SIZE - 1), Description (attribute));
+}
+
+TEST (NemaTagComplement, FailedCopyLeavesNoDescription) {
+    Test_List    list;
+    Log_Recorder log;
+    Attribute   *attribute = list.Add (0x0009, 0x1001);
+    DICOM_Attribute_Set_Description (nullptr, attribute, 0, "old");
+    Memory_Fail_At (1);
+    EXPECT_EQ (0, DICOM_Attribute_Set_Description (nullptr, attribute, VR_US, "new"));
+    Memory_Fail_At (0);
+    EXPECT_EQ (nullptr, attribute->description);
+    EXPECT_EQ ("US", VR (attribute));
+    ASSERT_EQ (1u, log.lines.size ());
+    EXPECT_EQ (LOG_ERROR, log.lines[0].kind);
+    EXPECT_EQ (0u, log.lines[0].text.find ("line "));
+    EXPECT_TRUE (log.Contains (" of NEMA_Tag_Complement \nmemory error in strdup (var=tag->description)"));
+}
+
+// --- the pass --------------------------------------------------------------
+
+TEST (NemaTagComplement, NoListIsDone) {
+    Log_Recorder   log (4);
+    SequenceCursor cursor = {};
+    EXPECT_EQ (0, DICOM_Attribute_Complement (nullptr, &cursor, nullptr));
+    EXPECT_EQ (std::to_string (LOG_TRACE4) + ": in DICOM_Attribute_Complement()\n", log.All ());
+}
+
+TEST (NemaTagComplement, EveryListAndRecordIsTraced) {
+    Test_List list;
+    list.Add (0x0008, 0x0060);
+    list.Open (0x0032, 0x1064);
+    list.Item ();
+    list.Add (0x0008, 0x0100);
+    list.Item ();
+    list.Add (0x0008, 0x0102);
+    list.Close ();
+    Log_Recorder log (5);
+    Complement (&list);
+    std::string all = log.All (), order;
+    for (const Log_Line &line : log.lines)
+        if (line.text.find ("DICOM_Attribute_Complement") != std::string::npos)
+            order += std::to_string (line.kind - LOG_TRACE1 + 1) + " " + line.text + "\n";
+    EXPECT_EQ ("4 in DICOM_Attribute_Complement()\n"
+               "5 DICOM_Attribute_Complement (0008,0060)\n"
+               "5 DICOM_Attribute_Complement (0032,1064)\n"
+               "4 in DICOM_Attribute_Complement()\n"
+               "5 DICOM_Attribute_Complement (0008,0100)\n"
+               "4 in DICOM_Attribute_Complement()\n"
+               "5 DICOM_Attribute_Complement (0008,0102)\n",
+               order)
+        << all;
+    // The cursor goes along, and tells about it at the deepest level.
+    EXPECT_TRUE (log.Has (LOG_TRACE5, "    ------------------------ ---- Item[2] in ---------------")) << all;
+    EXPECT_TRUE (log.Has (LOG_TRACE5, "------------------------ ---- Sequence in ----(depth=0)-----")) << all;
+    EXPECT_EQ (0, list.cursor.depth);
+}
+
+// --- dictionary ------------------------------------------------------------
+
+TEST (NemaTagComplement, DictionaryGivesDefinitionAndVr) {
+    One name (0x0010, 0x0010);
+    ASSERT_NE (nullptr, name.attribute->definition);
+    EXPECT_STREQ ("Patient's Name", name.attribute->definition->name);
+    EXPECT_EQ ("PN", VR (name.attribute));
+    EXPECT_EQ (nullptr, name.attribute->description);
+
+    One described (0x0010, 0x0010, "", "my own");
+    EXPECT_EQ ("my own", Description (described.attribute));
+    EXPECT_EQ ("PN", VR (described.attribute));
+
+    One unknown (0x0010, 0x0011);
+    EXPECT_EQ (nullptr, unknown.attribute->definition);
+    EXPECT_EQ (0, unknown.attribute->vr);
+}
+
+TEST (NemaTagComplement, FirstVrOfTheDictionaryCounts) {
+    One smallest (0x0028, 0x0106); // US or SS.
+    EXPECT_EQ ("US", VR (smallest.attribute));
+}
+
+TEST (NemaTagComplement, VrAndDefinitionThatAreThereStay) {
+    static const Dictionary_Entry OTHER = {0x0008, 0x0060, 0xFFFF, 1, "other", {VR_ST}, {{1, 1}}};
+    Test_List                     list;
+    Attribute                    *known = list.Add (0x0010, 0x0010, "LO");
+    known->vr                           = VR_UN;
+    Attribute *other                    = list.Add (0x0010, 0x0020);
+    other->definition                   = &OTHER;
+    Complement (&list);
+    EXPECT_EQ ("UN", VR (known));
+    EXPECT_EQ (VR_LO, known->vr_file);
+    EXPECT_EQ (&OTHER, other->definition);
+    EXPECT_EQ ("ST", VR (other));
+}
+
+// --- group lengths ---------------------------------------------------------
+
+TEST (NemaTagComplement, GroupLengthsGetBanners) {
+    static const struct {
+        uint16_t    group;
+        const char *text;
+    } banners[] = {
+        {0x0002, "===== Group 0002 (File) =============="}, {0x0008, "===== Group 0008 (Identifying) ======="},
+        {0x0010, "===== Group 0010 (Patient) ==========="}, {0x0018, "===== Group 0018 (Acquisition) ======="},
+        {0x0020, "===== Group 0020 (Relationship) ======"}, {0x0028, "===== Group 0028 (Presentation) ======"},
+        {0x7FE0, "===== Group 7FE0 (Image Data) ========"},
+    };
+    for (auto &banner : banners)
+        for (const char *value : {"", "1234"}) {
+            One length (banner.group, 0, value);
+            EXPECT_EQ ("\xF1\x02" + std::string (banner.text), Description (length.attribute));
+            EXPECT_EQ (38u, std::string (banner.text).size ());
+            EXPECT_EQ ("UL", VR (length.attribute));
+        }
+}
+
+TEST (NemaTagComplement, OtherGroupLengthsHaveFourBytes) {
+    EXPECT_EQ ("\xF1\x02===== Group 0011 =====================", Description (One (0x0011, 0, "1234").attribute));
+    EXPECT_EQ ("\xF1\x02===== Group 6abc =====================", Description (One (0x6ABC, 0, "1234").attribute));
+    EXPECT_EQ ("UL", VR (One (0x0011, 0, "1234").attribute));
+    for (const char *value : {"", "12", "12345"}) {
+        One length (0x0011, 0, value);
+        EXPECT_EQ (nullptr, length.attribute->description);
+        EXPECT_EQ (0, length.attribute->vr);
+    }
+}
+
+TEST (NemaTagComplement, DescribedGroupLengthKeepsItsDescription) {
+    One length (0x0008, 0, "1234", "my own");
+    EXPECT_EQ ("my own", Description (length.attribute));
+}
+
+// --- private creators ------------------------------------------------------
+
+TEST (NemaTagComplement, CreatorsAreNamed) {
+    for (uint16_t element : std::initializer_list<uint16_t> {0x0010, 0x0042, 0x00FF}) {
+        One creator (0x0009, element, "ACME 1.0", "old");
+        EXPECT_EQ ("Private Creator Data Element", Description (creator.attribute));
+        EXPECT_EQ ("LO", VR (creator.attribute));
+    }
+    for (uint16_t element : std::initializer_list<uint16_t> {0x0001, 0x000F, 0x0100, 0x0FFF, 0x1000})
+        EXPECT_EQ (nullptr, One (0x0009, element).attribute->description) << element;
+    EXPECT_EQ (nullptr, One (0x0008, 0x0010).attribute->description);
+}
+
+TEST (NemaTagComplement, PrivateAttributesGetTheNameOfTheirCreator) {
+    Test_List list;
+    list.Add (0x0009, 0x0010, "LO", "ACME 1.0");
+    list.Add (0x0009, 0x0011, "LO", "OTHER");
+    list.Add (0x0009, 0x0100);
+    Attribute *first  = list.Add (0x0009, 0x1001, "US", "12");
+    Attribute *second = list.Add (0x0009, 0x11FF);
+    Attribute *orphan = list.Add (0x0009, 0x1201);
+    Attribute *group  = list.Add (0x000B, 0x1001);
+    first->vr         = VR_US;
+    DICOM_Attribute_Set_Description (nullptr, second, 0, "old");
+    Complement (&list);
+    EXPECT_EQ ("ACME 1.0", Description (first));
+    EXPECT_EQ ("US", VR (first));
+    EXPECT_EQ ("OTHER", Description (second));
+    EXPECT_EQ (0, second->vr);
+    EXPECT_EQ ("(none)", Description (orphan));
+    EXPECT_EQ ("(none)", Description (group));
+    EXPECT_EQ ("(none)", Description (DICOM_Attribute_Get (nullptr, &list.cursor, list.first, 0x0009, 0x0100, 0)));
+}
+
+TEST (NemaTagComplement, OrphanKeepsItsDescription) {
+    One orphan (0x0009, 0x1001, "", "my own");
+    EXPECT_EQ ("my own", Description (orphan.attribute));
+}
+
+TEST (NemaTagComplement, CreatorIsTheFirstWithItsTagWhereverItStands) {
+    Test_List  list;
+    Attribute *before = list.Add (0x0009, 0x1001);
+    list.Add (0x0009, 0x0010, "LO", "FIRST");
+    list.Add (0x0009, 0x0010, "LO", "SECOND");
+    Attribute *behind = list.Add (0x0009, 0x1002);
+    Complement (&list);
+    EXPECT_EQ ("FIRST", Description (before));
+    EXPECT_EQ ("FIRST", Description (behind));
+}
+
+static std::string Name_From (const std::string &value) {
+    Test_List list;
+    list.Add (0x0009, 0x0010, "LO", value);
+    Attribute *attribute = list.Add (0x0009, 0x1001);
+    DICOM_Attribute_Set_Description (nullptr, attribute, 0, "old");
+    Complement (&list);
+    return Description (attribute);
+}
+
+TEST (NemaTagComplement, CreatorNameIsTrimmedAndEndsAtItsFirstZeroByte) {
+    EXPECT_EQ ("ACME 1.0", Name_From (" \tACME 1.0\t  "));
+    EXPECT_EQ ("ACME", Name_From (std::string ("ACME \0OTHER", 11)));
+    EXPECT_EQ ("100%s%n", Name_From ("100%s%n"));
+    EXPECT_EQ ("A\\B", Name_From ("A\\B"));
+    EXPECT_EQ ("(none)", Name_From (""));
+    EXPECT_EQ ("(none)", Name_From ("    "));
+    EXPECT_EQ ("(none)", Name_From (std::string ("\0ACME", 5)));
+    EXPECT_EQ (std::string (64, 'x'), Name_From (std::string (64, 'x')));
+    EXPECT_EQ (std::string (64, 'x'), Name_From (std::string (65, 'x')));
+    EXPECT_EQ ("x", Name_From ("x" + std::string (63, ' ') + "y"));
+}
+
+// A length without bytes, defined or not, is no name.
+TEST (NemaTagComplement, CreatorWithoutBytesHasNoName) {
+    for (int32_t length : {10, LENGTH_UNDEFINED, INT32_MAX, INT32_MIN}) {
+        Test_List  list;
+        Attribute *creator   = list.Add (0x0009, 0x0010, "LO");
+        Attribute *attribute = list.Add (0x0009, 0x1001);
+        creator->length      = length;
+        Complement (&list);
+        EXPECT_EQ ("(none)", Description (attribute));
+    }
+}
+
+// Items have no creators of their own here: the top list's count at every depth.
+TEST (NemaTagComplement, CreatorStandsInTheTopList) {
+    Test_List list;
+    list.Add (0x0009, 0x0010, "LO", "TOP");
+    list.Open (0x0032, 0x1064);
+    list.Item ();
+    Attribute *creator = list.Add (0x0009, 0x0010, "LO", "ITEM");
+    Attribute *inside  = list.Add (0x0009, 0x1001);
+    list.Open (0x0040, 0xA730);
+    list.Item ();
+    list.Add (0x000B, 0x0010, "LO", "DEEP");
+    Attribute *deep   = list.Add (0x0009, 0x1002);
+    Attribute *orphan = list.Add (0x000B, 0x1002);
+    list.Close ();
+    list.Close ();
+    std::string before = Outline (list.first);
+    Complement (&list);
+    EXPECT_EQ ("Private Creator Data Element", Description (creator));
+    EXPECT_EQ ("TOP", Description (inside));
+    EXPECT_EQ ("TOP", Description (deep));
+    EXPECT_EQ ("(none)", Description (orphan));
+    EXPECT_EQ (before, Outline (list.first)); // Looking created nothing.
+}
+
+TEST (NemaTagComplement, PrivateAttributeAlone) {
+    Test_List list;
+    list.Add (0x0009, 0x0010, "LO", "ACME 1.0");
+    list.Open (0x0032, 0x1064);
+    list.Item ();
+    Attribute  *inside    = list.Add (0x0009, 0x1001);
+    std::string before    = Outline (list.first);
+    Attribute   creator   = Record (0x0009, 0x0011);
+    Attribute   undefined = Record (0x0009, 0x1101);
+    // Wherever the cursor stands.
+    EXPECT_EQ (1, DICOM_Attribute_Complement_Private (nullptr, &list.cursor, list.first, inside));
+    EXPECT_EQ (1, DICOM_Attribute_Complement_Private (nullptr, &list.cursor, list.first, &creator));
+    EXPECT_EQ (1, DICOM_Attribute_Complement_Private (nullptr, &list.cursor, list.first, &undefined));
+    EXPECT_EQ (1, DICOM_Attribute_Complement_Private (nullptr, &list.cursor, nullptr, &undefined));
+    EXPECT_EQ ("ACME 1.0", Description (inside));
+    EXPECT_EQ ("Private Creator Data Element", Description (&creator));
+    EXPECT_EQ ("(none)", Description (&undefined));
+    EXPECT_EQ (before, Outline (list.first));
+    Memory_Free (creator.description);
+}
+
+// --- private compression groups --------------------------------------------
+
+TEST (NemaTagComplement, Group1000) {
+    static const std::string title = "\xF1\x02---- ---- Group 1000: Compression Info ---- ----\x01";
+
+    One group (0x1000, 0x0000, "1234", nullptr, PRIVATE);
+    EXPECT_EQ (title, Description (group.attribute)); // In place of the banner.
+    EXPECT_EQ ("LT", VR (group.attribute));
+    One huffman (0x1000, 0x0010, "", nullptr, PRIVATE);
+    EXPECT_EQ ("Huffman:", Description (huffman.attribute));
+    EXPECT_EQ ("US", VR (huffman.attribute));
+    One number (0x1000, 0x0012, "", nullptr, PRIVATE);
+    EXPECT_EQ ("Nb. Huffman Values:", Description (number.attribute));
+    EXPECT_EQ ("US", VR (number.attribute));
+    One values (0x1000, 0x0013, "", nullptr, PRIVATE);
+    EXPECT_EQ ("Huffman Values:", Description (values.attribute));
+    EXPECT_EQ ("SS", VR (values.attribute));
+    EXPECT_EQ ("old", Description (One (0x1000, 0x0014, "", "old", PRIVATE).attribute));
+    EXPECT_EQ ("old", Description (One (0x1000, 0x0010, "", "old").attribute)); // Not private.
+    EXPECT_EQ ("old", Description (One (0x1002, 0x0010, "", "old", PRIVATE).attribute));
+}
+
+TEST (NemaTagComplement, Groups7Fxx) {
+    for (uint16_t group : std::initializer_list<uint16_t> {0x7F00, 0x7F42, 0x7FDF}) {
+        One name (group, 0x0000, "", nullptr, PRIVATE);
+        EXPECT_EQ ("Siemens Compression: Group Name", Description (name.attribute));
+        EXPECT_EQ ("UL", VR (name.attribute));
+        One data (group, 0x0010, "", nullptr, PRIVATE); // Also of an odd group, where it would be a creator.
+        EXPECT_EQ ("Siemens Compression: Data", Description (data.attribute));
+        EXPECT_EQ ("OB", VR (data.attribute));
+        One next (group, 0x0011, "", nullptr, PRIVATE);
+        EXPECT_EQ ("Siemens Compression: Next Group", Description (next.attribute));
+        EXPECT_EQ ("OW", VR (next.attribute));
+        EXPECT_EQ ("old", Description (One (group, 0x0200, "", "old", PRIVATE).attribute));
+    }
+    for (uint16_t group : std::initializer_list<uint16_t> {0x7EFE, 0x7FE2})
+        EXPECT_EQ ("old", Description (One (group, 0x0010, "", "old", PRIVATE).attribute));
+    EXPECT_EQ ("old", Description (One (0x7F00, 0x0010, "", "old").attribute)); // Not private.
+}
+
+TEST (NemaTagComplement, CompressionGroupsAreTraced) {
+    Log_Recorder log (5);
+    Attribute    attribute = Record (0x1000, 0x0099);
+    EXPECT_EQ (1, SPI_Complement_1000 (nullptr, &attribute));
+    attribute.group = 0x7F01;
+    EXPECT_EQ (1, SPI_Complement_7Fxx (nullptr, &attribute));
+    EXPECT_TRUE (log.Has (LOG_TRACE5, "in SPI_Complement_1000(1000,0099)"));
+    EXPECT_TRUE (log.Has (LOG_TRACE5, "in SPI_Complement_7Fxx(7f01,0099)"));
+    EXPECT_EQ (2u, log.lines.size ());
+}
+
+// --- pixel data and structure ----------------------------------------------
+
+TEST (NemaTagComplement, PixelDataIsOb) {
+    One pixels (0x7FE0, 0x0010, "1234", "old");
+    EXPECT_EQ ("Pixel Data", Description (pixels.attribute));
+    EXPECT_EQ ("OB", VR (pixels.attribute));
+
+    Test_List  list;
+    Attribute *words = list.Add (0x7FE0, 0x0010, "OW", "1234");
+    words->vr        = VR_OW;
+    Complement (&list);
+    EXPECT_EQ ("OB", VR (words));
+    EXPECT_EQ (VR_OW, words->vr_file);
+    EXPECT_EQ (nullptr, One (0x7FE0, 0x0008).attribute->description);
+    EXPECT_EQ (nullptr, One (0x7FDE, 0x0010).attribute->description);
+}
+
+TEST (NemaTagComplement, ItemsAndDelimitersAreNamed) {
+    static const struct {
+        uint16_t    element;
+        const char *text;
+    } tags[] = {{0xE000, "\x01"
+                         "Item"},
+                {0xE00D, "\x01"
+                         "Item Delimitation Item"},
+                {0xE0DD, "\x01"
+                         "Sequence Delimitation Item"}};
+    for (auto &tag : tags) {
+        Test_List  list;
+        Attribute *attribute = list.Add (0xFFFE, tag.element);
+        attribute->vr        = VR_ITEM;
+        DICOM_Attribute_Set_Description (nullptr, attribute, 0, "old");
+        Complement (&list);
+        EXPECT_EQ (tag.text, Description (attribute));
+        EXPECT_EQ (VR_ITEM, attribute->vr);
+        EXPECT_EQ (nullptr, One (0xFFFC, tag.element).attribute->description);
+    }
+    EXPECT_EQ ("old", Description (One (0xFFFE, 0xE001, "", "old").attribute));
+}
+
+// --- items -----------------------------------------------------------------
+
+TEST (NemaTagComplement, ItemsUpToTheFirstEmptyOneAreCompleted) {
+    Test_List list;
+    list.Open (0x0032, 0x1064);
+    list.Item ();
+    Attribute *first = list.Add (0x7FE0, 0x0010);
+    list.Item ();
+    list.Item ();
+    Attribute *third = list.Add (0x7FE0, 0x0010);
+    list.Close ();
+    ASSERT_EQ ("(0032,1064)[(7FE0,0010)][][(7FE0,0010)]", Outline (list.first));
+    Complement (&list);
+    EXPECT_EQ ("Pixel Data", Description (first));
+    EXPECT_EQ ("(none)", Description (third));
+    EXPECT_EQ ("(0032,1064)[(7FE0,0010)][][(7FE0,0010)]", Outline (list.first));
+}
+
+TEST (NemaTagComplement, DeepestItem) {
+    Test_List list;
+    for (int depth = 0; depth < SEQUENCE_DEPTHS - 1; depth++) {
+        list.Open (0x0040, 0xA730);
+        list.Item ();
+    }
+    Attribute *deepest = list.Add (0x0010, 0x0010);
+    Complement (&list);
+    EXPECT_EQ ("PN", VR (deepest));
+    EXPECT_EQ (0, list.cursor.depth);
+}
+
+TEST (NemaTagComplement, SecondPassChangesNothing) {
+    Test_List list;
+    list.Add (0x0008, 0x0000, "UL", "1234");
+    list.Add (0x0009, 0x0010, "LO", "ACME 1.0");
+    list.Add (0x0009, 0x1001);
+    list.Add (0x7FE0, 0x0010);
+    auto text = [&] {
+        std::string all;
+        for (Attribute *record = list.first; record; record = record->next)
+            all += Description (record) + VR (record) + "\n";
+        return all;
+    };
+    Complement (&list);
+    std::string once = text ();
+    Complement (&list);
+    EXPECT_EQ (once, text ());
+}
+
+// --- failures and costs ----------------------------------------------------
+
+static std::string All_Descriptions (const Attribute *list) {
+    std::string text;
+    for (const Attribute *record = list; record; record = record->next) {
+        text += Description (record) + ";";
+        for (int32_t i = 0; i < record->nb_item; i++) text += "[" + All_Descriptions (record->item[i]) + "]";
+    }
+    return text;
+}
+
+// Without memory for the table of creators, the list is searched: the names are the same.
+TEST (NemaTagComplement, EveryMemoryFailureIsToldAndOnlyThatDescriptionIsMissing) {
+    Dictionary_Build (nullptr);
+    std::string complete;
+    int         failures = 0;
+    for (long n = 0;; n++) {
+        Log_Recorder log;
+        Test_List    list;
+        list.Add (0x0008, 0x0000, "UL", "1234");
+        list.Add (0x0009, 0x0010, "LO", "ACME 1.0");
+        list.Add (0x0009, 0x1001);
+        list.Open (0x0032, 0x1064);
+        list.Item ();
+        list.Add (0x0009, 0x1002);
+        list.Close ();
+        list.Add (0x7FE0, 0x0010);
+        list.Reset ();
+
+        long live = Memory_Live ();
+        Memory_Fail_At (n);
+        EXPECT_EQ (0, DICOM_Attribute_Complement (nullptr, &list.cursor, list.first));
+        int failed = Memory_Failed ();
+        Memory_Fail_At (0);
+        std::string descriptions = All_Descriptions (list.first);
+        if (n == 0) complete = descriptions;
+        if (n > 0 && !failed) break;
+        failures += failed;
+        EXPECT_EQ (failed, log.Count (LOG_ERROR, " of NEMA_Tag_Complement \nmemory error in "));
+        EXPECT_EQ (n == 1, log.Contains ("calloc (var=creators->slots, dim=2x8)")) << log.All ();
+        EXPECT_EQ (n > 1, log.Contains ("strdup (var=tag->description)")) << log.All ();
+        EXPECT_EQ (n < 2, descriptions == complete) << descriptions;
+        EXPECT_EQ (live + 5 - (n > 1), Memory_Live ());
+    }
+    EXPECT_EQ (1 + 5, failures);
+}
+
+// In every list, the table finds what the search finds.
+TEST (NemaTagComplement, AnyOrderGivesTheNamesThatTheSearchGives) {
+    std::mt19937 random (7);
+    for (int run = 0; run < 200; run++) {
+        Test_List table, search;
+        for (int i = 0; i < 60; i++) {
+            uint16_t group      = static_cast<uint16_t> (random () % 6 + 9),
+                     block      = static_cast<uint16_t> (random () % 4 + 0x10);
+            uint16_t    element = static_cast<uint16_t> (random () % 2 ? block : block << 8 | random () % 3);
+            std::string value   = std::to_string (i);
+            table.Add (group, element, "LO", value);
+            search.Add (group, element, "LO", value);
+        }
+        Complement (&table);
+        for (Attribute *record = search.first; record; record = record->next)
+            if (record->group & 1) DICOM_Attribute_Complement_Private (nullptr, &search.cursor, search.first, record);
+        ASSERT_EQ (All_Descriptions (search.first), All_Descriptions (table.first)) << run;
+    }
+}
+
+// Four times as many cost about four times as much, also where every attribute has another creator, and none is in order.
+TEST (NemaTagComplement, ManyPrivateAttributesCostLinearTime) {
+    auto measure = [] (int count) {
+        Test_List list;
+        list.Add (0xFFFD, 0x0001);
+        for (int i = 0; i < count; i++) {
+            uint16_t group = static_cast<uint16_t> (0xFFFB - 2 * (i % 0x4000)),
+                     block = static_cast<uint16_t> (0x10 + i / 0x4000);
+            if (i % 2) list.Add (group, block, "LO", "ACME");
+            list.Add (group, static_cast<uint16_t> (block << 8));
+        }
+        list.Reset ();
+        auto start = std::chrono::steady_clock::now ();
+        DICOM_Attribute_Complement (nullptr, &list.cursor, list.first);
+        return std::chrono::duration<double> (std::chrono::steady_clock::now () - start).count ();
+    };
+    measure (1000);
+    double few = measure (25000), many = measure (100000);
+    EXPECT_LT (many, 4 * 3 * few + 0.25);
+}

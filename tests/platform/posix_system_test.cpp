@@ -436,7 +436,7 @@ protected:
         std::string name   = directory.Write ("mapped", std::string (100, 'x'));
         int         status = 0;
         std::string text =
-            Output (std::string ("exec ") + PLATFORM_CHILD + " guard " + previous + " " + fault + " " + name, &status);
+            Output (std::string ("exec '") + PLATFORM_CHILD + "' guard " + previous + " " + fault + " " + name, &status);
         return WIFSIGNALED (status) ? "signal " + std::to_string (WTERMSIG (status)) : text;
     }
 

@@ -5,4 +5,5 @@ tagwright_test (attribute
     NEMA_Tag_Complement_test.cpp
     NEMA_Tag_Copy_test.cpp
     sequence_cursor_test.cpp
+    sort_test.cpp
     value_test.cpp)

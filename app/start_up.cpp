@@ -1,11 +1,12 @@
 // Start-up brings the services up in the order in which they need one another: identity, command line, console, log,
-// paths. Memory that runs out on the way ends the program with 0, after the message.
+// paths, configuration. Memory that runs out on the way ends the program with 0, after the message.
 #include "app/start_up.h"
 
 #include <stdio.h>
 #include <time.h>
 
 #include "app/command_line.h"
+#include "app/configuration.h"
 #include "compare/comparison_run.h"
 #include "platform/system.h"
 #include "util/memory.h"
@@ -109,6 +110,15 @@ static void Paths_Free (void) {
     }
 }
 
+// --- configuration ---------------------------------------------------------
+
+// First what comes with the program, then what the user wants. A failure leaves what was set before.
+static void Configure (void) {
+    Configuration_Read (Program.Inst_Path, PROGRAM_SETTINGS);
+    if (Configuration_Exists (Program.Application_Path, PROGRAM_SETTINGS))
+        Configuration_Read (Program.Application_Path, PROGRAM_SETTINGS);
+}
+
 // --- batch mode ------------------------------------------------------------
 
 static int Sum (int total, int result) {
@@ -149,8 +159,13 @@ static int Run (const Command_Line *line) {
         Command_Line_Usage (stdout);
         return COMMAND_LINE_BAD;
     }
+    int result = MEMORY_FAILED;
     Log_Start (line->trace_level);
-    int result = Paths_Set () ? Batch_Run (line) : MEMORY_FAILED;
+    if (Paths_Set ()) {
+        Configure ();
+        result = Batch_Run (line);
+    }
+    Configuration_Free ();
     Paths_Free ();
     return result;
 }

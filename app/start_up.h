@@ -9,13 +9,14 @@
 #define PROGRAM_DATE        "15/06/2016"
 #define PROGRAM_TITLE       "Kestrelbay's Tagwright 2.1 rev-2"
 #define PROGRAM_VENDOR      "Kestrelbay"
+#define PROGRAM_SETTINGS    "Tagwright.ini"
 
 // Owned texts, each ending in a separator, or none.
 struct Application {
     char    *Inst_Path;             // Install directory.
     char    *Application_Path;      // The user's own directory.
     char    *DICOM_Module_Dir;      // Definition tables.
-    Settings settings;
+    Settings settings;                  // The skipped tags are owned; Configuration_Free releases them.
 };
 
 extern Application Program;

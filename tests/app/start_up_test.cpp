@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -310,4 +311,94 @@ TEST (Program, UserDirectoryIsMade) {
     std::string         a = Quoted (Example_Path ("nested_a.dcm"));
     EXPECT_EQ (0, Program_Run_Built (directory, a + " " + a).status);
     EXPECT_EQ (1, System_Is_Directory (directory.File ("Kestrelbay").c_str ()));
+}
+
+// --- the built program and its configuration -------------------------------
+
+// The user's own file, and the directory that it names as scratch.
+struct User {
+    Temporary_Directory directory, scratch;
+
+    void Configure (const std::string &text) {
+        std::filesystem::create_directories (directory.File ("Kestrelbay"));
+        directory.Write (std::string ("Kestrelbay") + System_Separator () + "Tagwright.ini",
+                         Line_Ends ("scratch = " + scratch.path + "\n" + text));
+    }
+    Program_Result Compare (const std::string &a, const std::string &b, const std::string &options = "") {
+        return Program_Run_Built (directory, options + Quoted (Example_Path (a)) + " " + Quoted (Example_Path (b)));
+    }
+    std::string Log (const std::string &name) const { return Read_Whole (scratch.File (name)); }
+};
+
+// (0008,1155) and (0008,1150) differ in items of (0008,1140), (0010,1010) and (0010,4000) at the top.
+TEST (Program, SkippedTagsAreLeftOutAlsoInSequences) {
+    static const struct {
+        const char *lines;
+        int         differences;
+    } skips[] = {
+        {"", 12},
+        {"skip = (0010,1010)\n", 11},
+        {"skip = (0010,*)\n", 10},
+        {"skip : (0008,115?)\n", 9},
+        {"skip = (0008,1140)\n", 9},
+        {"skip=(0008,115?)\nskip = (0010,*)\n# skip = (*,*)\n", 7},
+        {"skip = (7fe0,0010)\n", 12},
+        {"skip = (7FE0,0010) the pixels\n", 11},
+        {"skip = (0008)\n", 12},
+        {"skip = (*,*)\n", 0},
+    };
+    for (auto &skip : skips) {
+        User user;
+        user.Configure (skip.lines);
+        Program_Result result = user.Compare ("ct_a.dcm", "ct_b.dcm");
+        EXPECT_EQ (skip.differences, result.status) << skip.lines << result.errors;
+        EXPECT_EQ ("", result.output + result.errors);
+        EXPECT_EQ ("", result.audit); // It went to the scratch directory that the file names.
+        std::string audit = user.Log (Audit_Name ());
+        EXPECT_EQ (skip.differences + (skip.differences > 0), std::count (audit.begin (), audit.end (), '\n')) << audit;
+    }
+}
+
+TEST (Program, DeepAttributeIsSkipped) {
+    User user;
+    user.Configure ("");
+    EXPECT_EQ (3, user.Compare ("nested_a.dcm", "nested_b.dcm").status);
+    user.Configure ("skip = (0040,A160)\n"); // Text Value, four sequences deep.
+    EXPECT_EQ (2, user.Compare ("nested_a.dcm", "nested_b.dcm").status);
+}
+
+// Nothing opens a console or starts the trace file anew: a level from the file only adds to it.
+TEST (Program, ConfigurationSetsTraceAndAuditFile) {
+    User user;
+    user.scratch.Write ("Tagwright_trace.dat", std::string ("before\n"));
+    user.Configure ("audit = found.txt\ntrace = 1\nwrong = 1\n");
+    Program_Result result = user.Compare ("ct_a.dcm", "ct_b.dcm");
+    EXPECT_EQ (12, result.status);
+    EXPECT_EQ ("", user.Log (Audit_Name ()));
+    EXPECT_TRUE (Contains (user.Log ("found.txt"), Line_Ends ("\nFound 12 differences\n")));
+    std::string trace = user.Log ("Tagwright_trace.dat");
+    EXPECT_EQ (0u, trace.find ("before\n"));
+    EXPECT_TRUE (Contains (trace, Line_Ends ("TRACE:   ==> line[4]   \"wrong = 1\"\n"))) << trace;
+    EXPECT_TRUE (Contains (trace, Line_Ends ("[4] wrong = 1\nREPORT: Done\nREPORT: Comparing 2 files...\n"))) << trace;
+    EXPECT_TRUE (Contains (trace, Line_Ends ("TRACE:   ==> 12 dif\n")));
+    EXPECT_FALSE (Contains (trace, "Prog_ID:"));
+    EXPECT_TRUE (Contains (result.output, "TRACE:   ==> 12 dif \n"));
+}
+
+TEST (Program, CommandLineLevelIsNotLowered) {
+    User user;
+    user.Configure ("trace = 1\n");
+    EXPECT_EQ (12, user.Compare ("ct_a.dcm", "ct_b.dcm", "-t 3 ").status);
+    EXPECT_TRUE (
+        Contains (user.Log ("Tagwright_trace.dat"), Line_Ends ("TRACE:           --> ****** end of file ******\n")));
+}
+
+// What the reader finds wrong is told with a trace line only.
+TEST (Program, TraceLineBringsTheNotes) {
+    for (bool asked : {false, true}) {
+        User user;
+        user.Configure (asked ? "trace = 1\n" : "");
+        EXPECT_EQ (0, user.Compare ("damaged.dcm", "damaged.dcm", "-t 1 ").status);
+        EXPECT_EQ (asked, Contains (user.Log ("Tagwright_trace.dat"), "Invalid tag length (size=512)!"));
+    }
 }

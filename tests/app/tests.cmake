@@ -1,4 +1,8 @@
-tagwright_test (app command_line_test.cpp start_up_test.cpp ../support/program.cpp)
+set (app_tests command_line_test.cpp configuration_test.cpp start_up_test.cpp ../support/program.cpp)
+if (NOT WIN32)
+    list (APPEND app_tests install_test.cpp)
+endif ()
+tagwright_test (app ${app_tests})
 add_dependencies (app_test tagwright)
 
 # The program makes a directory of its own below this one; the user's real one is left alone.

@@ -27,8 +27,14 @@ static std::string Without_Returns (std::string text) {
     return text;
 }
 
+std::string Program_Built () { return std::filesystem::absolute (TAGWRIGHT_PROGRAM).make_preferred ().string (); }
+
 Program_Result Program_Run_Built (const Temporary_Directory &directory, const std::string &arguments) {
-    std::string program = std::filesystem::absolute (TAGWRIGHT_PROGRAM).make_preferred ().string ();
+    return Program_Run_Copy (Program_Built (), directory, arguments);
+}
+
+Program_Result Program_Run_Copy (const std::string &program, const Temporary_Directory &directory,
+                                 const std::string &arguments) {
     std::string output = directory.File ("output.txt"), errors = directory.File ("errors.txt");
     std::string command = Quoted (program) + " " + arguments + " > " + Quoted (output) + " 2> " + Quoted (errors);
     std::string audit   = Scratch_File (Audit_Name ());

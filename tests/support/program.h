@@ -15,6 +15,11 @@ struct Program_Result {
 // The user's own directory is looked for in the test's one; arguments are written as the interpreter wants them.
 Program_Result Program_Run_Built (const Temporary_Directory &directory, const std::string &arguments);
 
+// The same with a copy of the program, which has other data beside it.
+Program_Result Program_Run_Copy (const std::string &program, const Temporary_Directory &directory,
+                                 const std::string &arguments);
+std::string    Program_Built (); // The name of the built one.
+
 std::string Quoted (const std::string &name); // For an argument with blanks.
 
 // A file in the default scratch directory, and the name of today's audit file.

@@ -1,1 +1,2 @@
-tagwright_test (tables data_dictionary_test.cpp dictionary_lines_test.cpp uid_names_test.cpp)
+tagwright_test (tables data_dictionary_test.cpp dictionary_lines_test.cpp shipped_tables_test.cpp uid_names_test.cpp)
+add_dependencies (tables_test tagwright_tables)     # They stand where the program looks for them, and a test looks there, too.

@@ -67,6 +67,7 @@ enum : uint16_t {
     PRIVATE       = 0x0040,
     CONVERTER     = 0x0080,
     DELETED       = 0x0100,     // Also: a tag that the data dictionary doesn't hold.
+    TABLE_DELETE  = 0x0200,     // The mark "-" of a definition table.
     VR_UNKNOWN    = 0x0400,     // VR forced to "UN".
     INVALID       = 0x0800,
     FORCED        = 0x1000,     // Never overwritten by a copy; its items are not copied.

@@ -62,11 +62,10 @@ static std::string Upper (std::string text) {
 
 // Stricter than the program: one way to write a line, with every word in its place.
 static bool Read_Line (const std::string &text, Table_Line *line) {
-    static const std::regex include ("(>*)include ([A-Za-z0-9_-]+)");
-    static const std::regex attribute (
-        "(>*)-?\\(([0-9A-F]{4}),([0-9A-F]{4})\\)( +type=(1|1C|2|2C|3))?( +VR=([A-Z]{2}))?"
-        "( +desc=\"([^\"\\[\\];]+)\")? *(; (.*))?");
-    std::smatch found;
+    static const std::regex include ("(>*)include ([A-Za-z0-9_-]+) *(;.*)?");
+    static const std::regex attribute ("(>*)\\(([0-9A-F]{4}),([0-9A-F]{4})\\)( +type=(1|1C|2|2C|3))?( +VR=([A-Z]{2}))?"
+                                       "( +desc=\"([^\"\\[\\];]+)\")? *(; (.*))?");
+    std::smatch             found;
     if (std::regex_match (text, found, include)) {
         line->depth   = static_cast<int> (found.length (1));
         line->include = found[2];
@@ -514,6 +513,16 @@ TEST_F (TablesInUse, EachPrivateAttributeIsFoundInAnyBlockWithoutAWord) {
                 EXPECT_EQ (text, Private_Text (&settings, creator, line.tag + 0x3200)) << Place (*table, line);
             }
     EXPECT_EQ ("", log.All ());
+}
+
+TEST_F (TablesInUse, ExampleMarksARawHeaderAsDeleted) {
+    DICOM_Module_Dir_Set (EXAMPLES);
+    Test_List  list;
+    Attribute *header = list.Add (0x0029, 0x10F0), *mode = list.Add (0x0029, 0x1008);
+    EXPECT_EQ (1, DICOM_Module_Read_Private (nullptr, &settings, "Acme/Imaging", header));
+    EXPECT_EQ (1, DICOM_Module_Read_Private (nullptr, &settings, "Acme/Imaging", mode));
+    EXPECT_EQ (DELETED, header->flags & DELETED);
+    EXPECT_EQ (0, mode->flags & DELETED);
 }
 
 TEST_F (TablesInUse, ExamplesDescribeTheirCreators) {

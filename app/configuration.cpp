@@ -7,6 +7,8 @@
 #include <string.h>
 
 #include "app/start_up.h"
+#include "tables/definition_files.h"
+#include "tables/modality.h"
 #include "util/error_text.h"
 #include "util/file.h"
 #include "util/memory.h"
@@ -145,11 +147,12 @@ static Outcome Set_Tables (char *value) {
     char directory[LOG_PATH_SIZE];
     if (!value) return COMMAND_DONE;
     Directory_Text (directory, value);
-    char *copy = Memory_Strdup (nullptr, HERE ("DICOM_Module_Dir", 0, 0), directory);
-    if (!copy) return COMMAND_FAILED;
-    Memory_Free (Program.DICOM_Module_Dir);
-    Program.DICOM_Module_Dir = copy;
-    return COMMAND_DONE;
+    return DICOM_Module_Dir_Set (directory) ? COMMAND_DONE : COMMAND_FAILED;
+}
+
+// Without a value it takes back what an earlier file has set.
+static Outcome Set_Override (char *value) {
+    return DICOM_Module_Override_Set (value) ? COMMAND_DONE : COMMAND_BAD_LINE;
 }
 
 // Makes room for one entry more. The room grows in powers of two, so that a long list costs linear time.
@@ -207,7 +210,8 @@ struct Command {
 };
 
 static const Command COMMANDS[] = {
-    {"trace", Set_Trace}, {"scratch", Set_Scratch}, {"audit", Set_Audit}, {"skip", Add_Skip}, {"tables", Set_Tables},
+    {"trace", Set_Trace}, {"scratch", Set_Scratch}, {"audit", Set_Audit},
+    {"skip", Add_Skip},   {"tables", Set_Tables},   {"override", Set_Override},
 };
 
 static Outcome Apply (const char *command, char *value) {

@@ -1,5 +1,5 @@
 // Start-up brings the services up in the order in which they need one another: identity, command line, console, log,
-// paths, configuration. Memory that runs out on the way ends the program with 0, after the message.
+// paths, configuration, definition tables. Memory that runs out on the way ends the program with 0, after the message.
 #include "app/start_up.h"
 
 #include <stdio.h>
@@ -7,8 +7,11 @@
 
 #include "app/command_line.h"
 #include "app/configuration.h"
+#include "app/tables_directory.h"
 #include "compare/comparison_run.h"
 #include "platform/system.h"
+#include "tables/definition_files.h"
+#include "tables/modality.h"
 #include "util/memory.h"
 #include "util/my_error_fct.h"
 #include "util/text.h"
@@ -18,7 +21,6 @@
 static const char *const MODULE = "start_up";
 
 static const char *const INSTALL_PATH_DEFAULT = "c:\\Program Files\\Kestrelbay\\";
-static const char *const TABLES_DIRECTORY     = "DICOM Tables";
 static const size_t      PATH_TEXT_SIZE       = SYSTEM_PATH_SIZE + 64; // A path and one more directory.
 
 static const int MEMORY_FAILED = 0; // Exit code.
@@ -43,6 +45,7 @@ static void Identity_Set (void) {
 
     Program.settings            = {};
     Program.settings.mode_start = MODE_EXPLICIT;
+    DICOM_Module_Override_Set ("");
 }
 
 // A level beyond the range of the setting is as deep, or as silent, as the setting can say.
@@ -94,7 +97,7 @@ static int Application_Path_Set (void) {
 static int Tables_Path_Set (const char *parent) {
     char path[PATH_TEXT_SIZE];
     Path_Text (path, sizeof path, parent ? parent : "", TABLES_DIRECTORY);
-    return Path_Keep (HERE ("DICOM_Module_Dir", 0, 0), &Program.DICOM_Module_Dir, path);
+    return DICOM_Module_Dir_Set (path) != nullptr;
 }
 
 static int Paths_Set (void) {
@@ -103,11 +106,12 @@ static int Paths_Set (void) {
 }
 
 static void Paths_Free (void) {
-    char **const PATHS[] = {&Program.Inst_Path, &Program.Application_Path, &Program.DICOM_Module_Dir};
+    char **const PATHS[] = {&Program.Inst_Path, &Program.Application_Path};
     for (char **path : PATHS) {
         Memory_Free (*path);
         *path = nullptr;
     }
+    DICOM_Module_Dir_Set ("");
 }
 
 // --- configuration ---------------------------------------------------------
@@ -163,9 +167,11 @@ static int Run (const Command_Line *line) {
     Log_Start (line->trace_level);
     if (Paths_Set ()) {
         Configure ();
+        Tables_Provide (Program.Inst_Path);
         result = Batch_Run (line);
     }
     Configuration_Free ();
+    DICOM_Module_Private_Free (nullptr);
     Paths_Free ();
     return result;
 }

@@ -11,12 +11,11 @@
 #define PROGRAM_VENDOR      "Kestrelbay"
 #define PROGRAM_SETTINGS    "Tagwright.ini"
 
-// Owned texts, each ending in a separator, or none.
+// Owned texts, each ending in a separator, or none. The tables directory belongs to tables/definition_files.h.
 struct Application {
     char    *Inst_Path;             // Install directory.
     char    *Application_Path;      // The user's own directory.
-    char    *DICOM_Module_Dir;      // Definition tables.
-    Settings settings;                  // The skipped tags are owned; Configuration_Free releases them.
+    Settings settings;              // The skipped tags are owned; Configuration_Free releases them.
 };
 
 extern Application Program;

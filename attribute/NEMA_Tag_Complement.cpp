@@ -9,6 +9,7 @@
 
 #include "attribute/NEMA_Tag_Attribute.h"
 #include "tables/data_dictionary.h"
+#include "tables/definition_files.h"
 #include "util/my_error_fct.h"
 #include "util/text.h"
 
@@ -125,7 +126,9 @@ static void Creator_Name (const Attribute *creator, char *name) {
     Text_Trim (name);
 }
 
-static void Complement_Private (Window window, const Creators *creators, Attribute *attribute) {
+// An attribute that its creator's table doesn't describe is called by the creator's name.
+static void Complement_Private (Window window, const Settings *settings, const Creators *creators,
+                                Attribute *attribute) {
     if (Is_Creator (attribute)) {
         DICOM_Attribute_Set_Description (window, attribute, VR_LO, "Private Creator Data Element");
     } else if (attribute->element >= PRIVATE_FIRST) {
@@ -134,13 +137,14 @@ static void Complement_Private (Window window, const Creators *creators, Attribu
         char             name[CREATOR_NAME_LENGTH + 1];
         if (!creator) return;
         Creator_Name (creator, name);
+        if (DICOM_Module_Read_Private (window, settings, name, attribute) > 0) return;
         DICOM_Attribute_Set_Description (window, attribute, 0, "%s", name);
     }
 }
 
-int DICOM_Attribute_Complement_Private (Window window, SequenceCursor *, Attribute *first, Attribute *attribute) {
+int DICOM_Attribute_Complement_Private (Window window, SequenceCursor *cursor, Attribute *first, Attribute *attribute) {
     Creators creators = {first, nullptr, 0};
-    Complement_Private (window, &creators, attribute);
+    Complement_Private (window, cursor->settings, &creators, attribute);
     return 1;
 }
 
@@ -208,13 +212,13 @@ static void Look_Up (Window window, Attribute *attribute) {
 }
 
 // A later rule replaces what an earlier one said.
-static void Complement_One (Window window, const Creators *creators, Attribute *attribute) {
+static void Complement_One (Window window, const Settings *settings, const Creators *creators, Attribute *attribute) {
     uint16_t group      = attribute->group;
     int      is_private = attribute->flags & PRIVATE;
 
     Look_Up (window, attribute);
     if (attribute->element == 0 && !attribute->description) Describe_Group_Length (window, attribute);
-    if (group & 1) Complement_Private (window, creators, attribute);
+    if (group & 1) Complement_Private (window, settings, creators, attribute);
     if (is_private && group == 0x1000) SPI_Complement_1000 (window, attribute);
     if (is_private && group >= 0x7F00 && group <= 0x7FDF) SPI_Complement_7Fxx (window, attribute);
     if (group == GROUP_PIXEL && attribute->element == ELEMENT_PIXELS)
@@ -238,7 +242,7 @@ static void Complement_List (Window window, SequenceCursor *cursor, const Creato
     Log_Message (window, LOG_TRACE4, "in DICOM_Attribute_Complement()");
     for (Attribute *record = list; record; record = record->next) {
         Log_Message (window, LOG_TRACE5, "DICOM_Attribute_Complement (%04x,%04x)", record->group, record->element);
-        Complement_One (window, creators, record);
+        Complement_One (window, cursor->settings, creators, record);
         if (record->item) Complement_Items (window, cursor, creators, record);
     }
 }

@@ -1,14 +1,16 @@
-// The run is a row of phases: names, both sides, listings, merge, walk, release, result. Which walk runs is decided by
+// The run is a row of phases: names, both sides, definitions, listings, merge, walk, release, result. Which walk runs is decided by
 // the names given: a file that was named but can't be read makes every attribute of the other one absent, it doesn't turn
 // a comparison of two files into one with a definition.
 #include "compare/comparison_run.h"
 
 #include "attribute/NEMA_Tag_Attribute.h"
+#include "attribute/NEMA_Tag_Complement.h"
 #include "attribute/NEMA_Tag_Copy.h"
 #include "attribute/listing.h"
 #include "compare/attribute_comparison.h"
 #include "compare/file_reader.h"
 #include "platform/system.h"
+#include "tables/modality.h"
 #include "util/error_text.h"
 #include "util/my_error_fct.h"
 
@@ -38,6 +40,30 @@ static int Names_Keep (Window window, const char *name_a, const char *name_b) {
            Name_Keep (window, HERE ("Name_File_B", 0, 0), &Comparison_Last.Name_File_B, name_b);
 }
 
+// --- definition ------------------------------------------------------------
+
+Attribute *Definition_Read_List (Window window, SequenceCursor *cursor, Attribute *list) {
+    DICOM_Attribute_Sequence_Reset (window, cursor);
+    if (Log.trace_level >= 1)
+        Log_Section (window, LOG_TRACE1,
+                     "-----                         Read IOD definition                       ----- ");
+
+    const char *modality = DICOM_Modality_Name (window, list);
+    if (!modality) {
+        Log_Message (window, LOG_WARNING, "unable to read Module def.");
+        return nullptr;
+    }
+    Attribute *definition = DICOM_Module_Read (window, cursor->settings, modality);
+    if (!definition) {
+        Log_Message (window, LOG_WARNING, "unable to read Module def. for %s", modality);
+        return nullptr;
+    }
+    DICOM_Attribute_Set_Type (window, cursor, definition, list);
+    DICOM_Attribute_Sequence_Reset (window, cursor);
+    if (Log.trace_level >= 1) DICOM_Attribute_List (window, cursor, list, LOG_TRACE1);
+    return definition;
+}
+
 // --- phases ----------------------------------------------------------------
 
 static Attribute *Read_Side (Window window, SequenceCursor *cursor, const char *name) {
@@ -52,23 +78,39 @@ static void Trace_List (Window window, SequenceCursor *cursor, Attribute *list, 
     DICOM_Attribute_List (window, cursor, list, LOG_TRACE1);
 }
 
-// Every tag of both sides; the values are shared, not copied.
-static void Merge (Window window, SequenceCursor *cursor, const Attribute *list_a, const Attribute *list_b) {
-    Log_Message (window, LOG_REPORT, "    Analysing differences");
+// The definition for a file that was read, or none. Either way the file's attributes know their types afterwards.
+static Attribute *Read_Definition (Window window, SequenceCursor *cursor, Attribute *list, const char *name) {
+    if (!list) return nullptr;
+    Log_Message (window, LOG_REPORT, "    Reading DICOM Modality tables for:" COLOUR_BLUE " %s", name);
+    return Definition_Read_List (window, cursor, list);
+}
+
+static void Merge_Side (Window window, SequenceCursor *cursor, const Attribute *list) {
     DICOM_Attribute_Sequence_Reset (window, cursor);
-    DICOM_Attribute_Copy (window, cursor, &Comparison_Last.merged, list_a);
-    if (list_b) {
+    DICOM_Attribute_Copy (window, cursor, &Comparison_Last.merged, list);
+}
+
+// Every tag of both files, or of the file and its definition; the values are shared, not copied.
+static void Merge (Window window, SequenceCursor *cursor, const Attribute *list_a, const Attribute *list_b,
+                   Attribute *definition, bool two_files) {
+    Log_Message (window, LOG_REPORT, "    Analysing differences");
+    Merge_Side (window, cursor, list_a);
+    if (two_files) {
+        Merge_Side (window, cursor, list_b);
+    } else {
         DICOM_Attribute_Sequence_Reset (window, cursor);
-        DICOM_Attribute_Copy (window, cursor, &Comparison_Last.merged, list_b);
+        DICOM_Attribute_Complement (window, cursor, definition);
+        Merge_Side (window, cursor, definition);
     }
     Trace_List (window, cursor, Comparison_Last.merged,
                 "-----                       Stool DICOM Merge                            ----- ");
 }
 
-static int Walk (Window window, SequenceCursor *cursor, Attribute *list_a, Attribute *list_b, bool two_files) {
+static int Walk (Window window, SequenceCursor *cursor, Attribute *list_a, Attribute *list_b, Attribute *definition,
+                 bool two_files) {
     DICOM_Attribute_Sequence_Reset (window, cursor);
     int count = two_files ? Diff_Lists (window, cursor, Comparison_Last.merged, list_a, list_b, 0, 0)
-                          : Modality_Diff_Lists (window, cursor, Comparison_Last.merged, list_a, nullptr, 0, 0);
+                          : Modality_Diff_Lists (window, cursor, Comparison_Last.merged, list_a, definition, 0, 0);
     Log_Message (window, LOG_TRACE1, "==> %d dif", count);
     return count;
 }
@@ -94,10 +136,12 @@ static void Report_Count (Window window, int count) {
 // --- run -------------------------------------------------------------------
 
 int Comparison_Run (Window window, const Settings *settings, const char *name_a, const char *name_b, int batch) {
-    SequenceCursor cursor = {};
-    Attribute     *list_a = nullptr;
-    Attribute     *list_b = nullptr;
-    cursor.settings       = settings;
+    SequenceCursor cursor     = {};
+    Attribute     *list_a     = nullptr;
+    Attribute     *list_b     = nullptr;
+    Attribute     *definition = nullptr; // The cache's, until it is emptied.
+    bool           two_files  = !Is_Empty (name_b);
+    cursor.settings           = settings;
 
     Merged_Delete (window, &cursor);
     if (!Names_Keep (window, name_a, name_b)) return 0;
@@ -106,17 +150,22 @@ int Comparison_Run (Window window, const Settings *settings, const char *name_a,
         list_a = Read_Side (window, &cursor, name_a);
         Log_Message (window, LOG_REPORT, "");
     }
-    if (!Is_Empty (name_b)) list_b = Read_Side (window, &cursor, name_b);
+    if (two_files) list_b = Read_Side (window, &cursor, name_b);
 
+    if (!batch) {
+        definition = Read_Definition (window, &cursor, list_a, name_a);
+        Read_Definition (window, &cursor, list_b, name_b); // For the types of B's attributes.
+    }
     Trace_List (window, &cursor, list_a,
                 "-----                       Stool DICOM File A                           ----- ");
     Trace_List (window, &cursor, list_b,
                 "-----                       Stool DICOM File B                           ----- ");
 
-    if (!batch) Merge (window, &cursor, list_a, list_b);
-    int count = Walk (window, &cursor, list_a, list_b, !Is_Empty (name_b));
+    if (!batch) Merge (window, &cursor, list_a, list_b, definition, two_files);
+    int count = Walk (window, &cursor, list_a, list_b, definition, two_files);
     List_Delete (window, &cursor, &list_a);
     List_Delete (window, &cursor, &list_b);
+    DICOM_Module_Free (window);
     Report_Vanished_Bytes (window);
     if (!batch) Report_Count (window, count);
     return count;

@@ -45,6 +45,15 @@ int System_File_Size_Of (const char *path, int64_t *size);         // 1 and the 
 int System_Directory_Make (const char *path);                      // One level. 1 also when it is there already.
 int System_File_Delete (const char *path);
 
+// Calls action with the name of everything directly in the directory, but "." and "..", in no order. A result of 0 ends
+// the listing. 1, or 0 when the directory can't be read (to its end).
+typedef int (*System_Directory_Action) (void *context, const char *name);
+int System_Directory_List (const char *path, System_Directory_Action action, void *context);
+
+// Copies the bytes of a regular file to a new one. Fails when there is anything by that name already. A copy that fails
+// half-way leaves no file. 1, or 0.
+int System_File_Copy (const char *from, const char *to);
+
 // Makes the directory that log files go to by default, readable by its user only. On Linux 0 when the path exists and is
 // not a directory owned by the user (a name in /tmp may have been planted). On Windows as System_Directory_Make.
 int System_Private_Directory_Make (const char *path);

@@ -4,6 +4,7 @@
 // lost pages a fault, which would end the program. Our handler puts a page of zeros there instead and counts it.
 #include "platform/system.h"
 
+#include <dirent.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <limits.h>
@@ -142,6 +143,21 @@ int System_Directory_Make (const char *path) {
 }
 
 int System_File_Delete (const char *path) { return !unlink (path); }
+
+static int Is_Self_Or_Parent (const char *name) { return !strcmp (name, ".") || !strcmp (name, ".."); }
+
+int System_Directory_List (const char *path, System_Directory_Action action, void *context) {
+    DIR *directory = opendir (path);
+    if (!directory) return 0;
+
+    struct dirent *entry;
+    for (errno = 0; (entry = readdir (directory)); errno = 0)
+        if (!Is_Self_Or_Parent (entry->d_name) && !action (context, entry->d_name)) break;
+    int error = entry ? 0 : errno;
+    closedir (directory);
+    errno = error;
+    return !error;
+}
 
 int System_Private_Directory_Make (const char *path) {
     char   plain[SYSTEM_PATH_SIZE]; // A separator at the end would make lstat follow a symbolic link.
@@ -374,6 +390,58 @@ void System_File_Unmap (System_Mapping *mapping) {
     if (view) View_Release (view);
     pthread_mutex_unlock (&view_lock);
     *mapping = {};
+}
+
+// --- copying files ---------------------------------------------------------
+
+static int Write_All (int descriptor, const char *bytes, size_t count) {
+    while (count) {
+        ssize_t written = write (descriptor, bytes, count);
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) {
+            if (!written) errno = ENOSPC;
+            return 0;
+        }
+        bytes += written;
+        count -= (size_t)written;
+    }
+    return 1;
+}
+
+static int Copy_Bytes (System_File *from, int to) {
+    char    bytes[65536];
+    int64_t position = 0;
+    for (;;) {
+        int64_t count = System_File_Read (from, position, bytes, sizeof bytes);
+        if (count <= 0) return !count;
+        if (!Write_All (to, bytes, (size_t)count)) return 0;
+        position += count;
+    }
+}
+
+// What a full disk or a server refuses may be told as late as at the closing.
+static int Copy_To (System_File *from, const char *to) {
+    int descriptor = open (to, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (descriptor < 0) return 0;
+    int copied = Copy_Bytes (from, descriptor);
+    int error  = errno;
+    if (close (descriptor) && copied) {
+        copied = 0;
+        error  = errno;
+    }
+    if (!copied) unlink (to);
+    errno = error;
+    return copied;
+}
+
+int System_File_Copy (const char *from, const char *to) {
+    System_File *source = System_File_Open (from);
+    if (!source) return 0;
+    int copied = Copy_To (source, to);
+    int error  = errno;
+    System_File_Close (source);
+    errno = error;
+    return copied;
 }
 
 // --- facts for the banner --------------------------------------------------

@@ -82,6 +82,40 @@ int System_Private_Directory_Make (const char *path) { return System_Directory_M
 
 int System_File_Delete (const char *path) { return DeleteFileA (path) != 0; }
 
+static int Is_Self_Or_Parent (const char *name) { return !strcmp (name, ".") || !strcmp (name, ".."); }
+
+// What matches a directory with a star behind it, so there is always something to find.
+static HANDLE Find_First (const char *path, WIN32_FIND_DATAA *found) {
+    char pattern[SYSTEM_PATH_SIZE];
+
+    size_t length = strlen (path);
+    int    ends   = length && System_Is_Separator (path[length - 1]);
+    if (length + 3 > sizeof pattern) {
+        SetLastError (ERROR_FILENAME_EXCED_RANGE);
+        return INVALID_HANDLE_VALUE;
+    }
+    snprintf (pattern, sizeof pattern, "%s%s*", path, ends ? "" : "\\");
+    return FindFirstFileA (pattern, found);
+}
+
+int System_Directory_List (const char *path, System_Directory_Action action, void *context) {
+    WIN32_FIND_DATAA found;
+    HANDLE           handle = Find_First (path, &found);
+    if (handle == INVALID_HANDLE_VALUE) return 0;
+
+    DWORD error = 0;
+    for (;;) {
+        if (!Is_Self_Or_Parent (found.cFileName) && !action (context, found.cFileName)) break;
+        if (FindNextFileA (handle, &found)) continue;
+        error = GetLastError ();
+        if (error == ERROR_NO_MORE_FILES) error = 0;
+        break;
+    }
+    FindClose (handle);
+    SetLastError (error);
+    return !error;
+}
+
 // --- reading files ---------------------------------------------------------
 
 struct System_File {
@@ -195,6 +229,49 @@ void System_File_Unmap (System_Mapping *mapping) {
 }
 
 int System_Map_Faults (void) { return 0; } // What is mapped can't vanish, see File_Is_Remote.
+
+// --- copying files ---------------------------------------------------------
+
+// Not the system's own copying, which takes the attributes along: a copy of a write-protected file is for writing.
+static int Copy_Bytes (System_File *from, HANDLE to) {
+    char    bytes[65536];
+    int64_t position = 0;
+    for (;;) {
+        int64_t count = System_File_Read (from, position, bytes, sizeof bytes);
+        if (count <= 0) return count == 0;
+        DWORD written = 0;
+        if (!WriteFile (to, bytes, (DWORD)count, &written, nullptr)) return 0;
+        if (written != (DWORD)count) {
+            SetLastError (ERROR_DISK_FULL);
+            return 0;
+        }
+        position += count;
+    }
+}
+
+static int Copy_To (System_File *from, const char *to) {
+    HANDLE handle = CreateFileA (to, GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) return 0;
+    int   copied = Copy_Bytes (from, handle);
+    DWORD error  = GetLastError ();
+    if (!CloseHandle (handle) && copied) {
+        copied = 0;
+        error  = GetLastError ();
+    }
+    if (!copied) DeleteFileA (to);
+    SetLastError (error);
+    return copied;
+}
+
+int System_File_Copy (const char *from, const char *to) {
+    System_File *source = System_File_Open (from);
+    if (!source) return 0;
+    int   copied = Copy_To (source, to);
+    DWORD error  = GetLastError ();
+    System_File_Close (source);
+    SetLastError (error);
+    return copied;
+}
 
 // --- facts for the banner --------------------------------------------------
 

@@ -14,6 +14,9 @@
 #include "app/start_up.h"
 #include "attribute/NEMA_Tag_Attribute.h"
 #include "platform/system.h"
+#include "tables/definition_files.h"
+#include "tables/modality.h"
+#include "tests/support/lists.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/temporary.h"
 #include "util/error_text.h"
@@ -35,16 +38,16 @@ struct Configured {
     explicit Configured (int trace_level = 0) : log (trace_level) {
         Program.settings            = {};
         Program.settings.mode_start = MODE_EXPLICIT;
-        Program.DICOM_Module_Dir    = nullptr;
+        DICOM_Module_Dir_Set ("");
         snprintf (Log.scratch, sizeof Log.scratch, "scratch%s", SEPARATOR.c_str ());
         snprintf (Log.audit_name, sizeof Log.audit_name, "audit");
     }
     ~Configured () {
         Configuration_Free ();
-        Memory_Free (Program.DICOM_Module_Dir);
-        Program.DICOM_Module_Dir = nullptr;
-        Program.settings         = {};
-        Log                      = before;
+        DICOM_Module_Dir_Set ("");
+        DICOM_Module_Override_Set ("");
+        Program.settings = {};
+        Log              = before;
     }
 
     std::string Name () const { return directory.File (INI); }
@@ -72,7 +75,15 @@ struct Configured {
         }
         return text;
     }
-    std::string Tables () const { return Program.DICOM_Module_Dir ? Program.DICOM_Module_Dir : "(none)"; }
+    std::string Tables () const {
+        const char *tables = DICOM_Module_Dir_Set (nullptr);
+        return tables ? tables : "(none)";
+    }
+    std::string Definition () const {
+        std::string tags = Outline (DICOM_Module_Read (nullptr, &Program.settings, "Test"));
+        DICOM_Module_Free (nullptr);
+        return tags;
+    }
 };
 
 // --- the file --------------------------------------------------------------
@@ -372,6 +383,25 @@ TEST (Configuration, TablesEndWithASeparator) {
     EXPECT_EQ ("", configured.Reports ());
 }
 
+TEST (Configuration, OverrideNamesAFileOfAttributes) {
+    Configured          configured;
+    Temporary_Directory tables;
+    std::string         ours   = tables.Write ("ours.txt", std::string ("!(0010,0010) type=1\n"));
+    std::string         theirs = tables.Write ("theirs.txt", std::string ("!(0010,0020) type=1\n"));
+    tables.Write ("DICOM_Module_Test.txt", std::string ("Common\n"));
+    tables.Write ("DICOM_Attributes_Common.txt", std::string ("(0008,0016) type=1\n"));
+    configured.Read ("tables = " + tables.path + "\noverride = " + ours + "\n");
+    EXPECT_EQ ("", configured.Reports ());
+    EXPECT_EQ ("(0008,0016) (0010,0010)", configured.Definition ());
+    configured.Read ("# nothing\n");
+    EXPECT_EQ ("(0008,0016) (0010,0010)", configured.Definition ());
+    configured.Read ("override = " + theirs + "\n");
+    EXPECT_EQ ("(0008,0016) (0010,0020)", configured.Definition ());
+    configured.Read ("override =\n");
+    EXPECT_EQ ("", configured.Reports ());
+    EXPECT_EQ ("(0008,0016)", configured.Definition ());
+}
+
 // --- skip ------------------------------------------------------------------
 
 TEST (Configuration, SkippedTagsAreAddedAndReported) {
@@ -518,10 +548,10 @@ TEST (Configuration, FileThatShrinksMeanwhileIsReadToItsEnd) {
 }
 
 TEST (Configuration, AnyBytesAreRead) {
-    static const char *const words[] = {"trace", "scratch", "audit", "skip",  "tables", "=",  ":",    " ",
-                                        "\t",    "\n",      "\r",    "\r\n",  "#",      ";",  "(",    ")",
-                                        ",",     "0008",    "*",     "?",     "-",      "9",  "\xFF", "\x01",
-                                        "\v",    "\"",      "%s",    "D:\\x", "/",      "\\", "x"};
+    static const char *const words[] = {"trace", "scratch", "audit", "skip", "tables", "=", ":",  "override",
+                                        " ",     "\t",      "\n",    "\r",   "\r\n",   "#", ";",  "(",
+                                        ")",     ",",       "0008",  "*",    "?",      "-", "9",  "\xFF",
+                                        "\x01",  "\v",      "\"",    "%s",   "D:\\x",  "/", "\\", "x"};
     std::mt19937             random (5);
     for (int run = 0; run < 300; run++) {
         Configured  configured (run % 2 ? 5 : 0);
@@ -595,7 +625,8 @@ TEST (Configuration, EveryMemoryFailureIsNamedAndLeaksNothing) {
             EXPECT_EQ (n < 15, configured.log.Count (LOG_ERROR)) << configured.log.All ();
             if (n < 15) {
                 EXPECT_TRUE (configured.log.Contains (named[n - 1])) << n << configured.log.All ();
-                EXPECT_EQ (n > 1, configured.log.Contains (" of configuration \nmemory error in "));
+                bool tables = configured.log.Contains ("DICOM_Module_Dir");
+                EXPECT_EQ (n > 1 && !tables, configured.log.Contains (" of configuration \nmemory error in "));
                 EXPECT_FALSE (configured.log.Has (LOG_REPORT, "Done"));
                 EXPECT_EQ (skips[n - 1], Program.settings.Nb_Skip) << n;
                 EXPECT_EQ (n > 6 ? "first" + SEPARATOR : "(none)", configured.Tables ());

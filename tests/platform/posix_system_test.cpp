@@ -7,6 +7,7 @@
 #include <signal.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -16,6 +17,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -278,6 +280,88 @@ TEST_F (PosixFiles, PrivateDirectoryOfAnotherUserIsRefused) {
     }
     EXPECT_EQ (System_Private_Directory_Make (others.c_str ()), 0);
     EXPECT_EQ (System_Last_Error (), static_cast<unsigned> (EPERM));
+}
+
+// --- listing and copying ---------------------------------------------------
+
+struct Names {
+    std::multiset<std::string> names;
+    size_t                     limit = 100;
+};
+
+static int Collect (void *context, const char *name) {
+    Names *names = static_cast<Names *> (context);
+    names->names.insert (name);
+    return names->names.size () < names->limit;
+}
+
+TEST_F (PosixFiles, ListingNamesWhatIsDirectlyInIt) {
+    directory.Write ("directory/below", std::string ("x"));
+    for (const std::string &path : {directory.path, directory.path.substr (0, directory.path.size () - 1)}) {
+        Names names;
+        EXPECT_EQ (System_Directory_List (path.c_str (), Collect, &names), 1);
+        EXPECT_EQ (names.names, (std::multiset<std::string> {"dangling", "directory", "fifo", "file", "link", "socket"}));
+    }
+}
+
+TEST_F (PosixFiles, ListingEndsWhenAsked) {
+    Names names;
+    names.limit = 2;
+    EXPECT_EQ (System_Directory_List (directory.path.c_str (), Collect, &names), 1);
+    EXPECT_EQ (names.names.size (), 2u);
+}
+
+TEST_F (PosixFiles, ListingNeedsADirectory) {
+    Names names;
+    EXPECT_EQ (System_Directory_List (Path ("none").c_str (), Collect, &names), 0);
+    EXPECT_EQ (System_Last_Error (), static_cast<unsigned> (ENOENT));
+    EXPECT_EQ (System_Directory_List (name.c_str (), Collect, &names), 0);
+    EXPECT_EQ (System_Last_Error (), static_cast<unsigned> (ENOTDIR));
+    EXPECT_TRUE (names.names.empty ());
+}
+
+TEST_F (PosixFiles, CopyHasTheSameBytes) {
+    for (size_t size : {0u, 1u, 65536u, 200000u}) {
+        std::string bytes;
+        for (size_t i = 0; i < size; i++) bytes += static_cast<char> (i * 7 + i / 251);
+        std::string from = directory.Write ("from", bytes);
+        EXPECT_EQ (System_File_Copy (from.c_str (), Path ("to").c_str ()), 1);
+        EXPECT_EQ (Read_Whole (Path ("to")), bytes);
+        unlink (Path ("to").c_str ());
+    }
+}
+
+TEST_F (PosixFiles, CopyNeverReplaces) {
+    directory.Write ("other", std::string ("mine"));
+    for (const char *there : {"other", "directory", "fifo", "dangling", "link"}) {
+        EXPECT_EQ (System_File_Copy (name.c_str (), Path (there).c_str ()), 0);
+        EXPECT_EQ (System_Last_Error (), static_cast<unsigned> (EEXIST)) << there;
+    }
+    EXPECT_EQ (Read_Whole (Path ("other")), "mine");
+    EXPECT_EQ (Read_Whole (name), "twelve bytes");
+}
+
+TEST_F (PosixFiles, CopyTakesRegularFilesOnly) {
+    for (const char *from : {"none", "directory", "fifo", "socket"}) {
+        EXPECT_EQ (System_File_Copy (Path (from).c_str (), Path ("to").c_str ()), 0);
+        EXPECT_FALSE (std::filesystem::exists (Path ("to"))) << from;
+    }
+    EXPECT_EQ (System_File_Copy (name.c_str (), Path ("none/to").c_str ()), 0);
+    EXPECT_EQ (System_Last_Error (), static_cast<unsigned> (ENOENT));
+}
+
+// A limit for the size of files stands for a full disk.
+TEST_F (PosixFiles, CopyThatFailsLeavesNothing) {
+    std::string from = directory.Write ("from", std::string (200000, 'x'));
+    EXPECT_EQ (In_Child ([&] {
+                   struct rlimit limit = {100000, 100000};
+                   signal (SIGXFSZ, SIG_IGN);
+                   setrlimit (RLIMIT_FSIZE, &limit);
+                   if (System_File_Copy (from.c_str (), Path ("to").c_str ())) return 1;
+                   return System_Last_Error () == EFBIG ? 0 : 2;
+               }),
+               0);
+    EXPECT_FALSE (std::filesystem::exists (Path ("to")));
 }
 
 // --- reading files ---------------------------------------------------------

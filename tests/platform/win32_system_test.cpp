@@ -2,6 +2,7 @@
 #include <string.h>
 
 #include <atomic>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
@@ -117,6 +118,73 @@ TEST (Win32System, AFileIsNoDirectory) {
     EXPECT_EQ (System_Last_Error (), (unsigned)ERROR_FILE_NOT_FOUND);
     EXPECT_FALSE (System_File_Delete (name.c_str ()));
     EXPECT_FALSE (System_File_Size_Of (name.c_str (), &size));
+}
+
+// --- listing and copying ---------------------------------------------------
+
+static int Collect (void *context, const char *name) {
+    std::set<std::string> *names = static_cast<std::set<std::string> *> (context);
+    return names->insert (name).second;
+}
+
+TEST (Win32System, ListingNamesWhatIsDirectlyInIt) {
+    Temporary_Directory directory;
+    Write_Wide (directory, "12345");
+    directory.Write ("b.txt", std::string ("x"));
+    System_Directory_Make (directory.File ("below").c_str ());
+    for (const std::string &path : {directory.path, directory.path.substr (0, directory.path.size () - 1)}) {
+        std::set<std::string> names;
+        EXPECT_TRUE (System_Directory_List (path.c_str (), Collect, &names));
+        EXPECT_EQ (names, (std::set<std::string> {NARROW, "b.txt", "below"}));
+    }
+    std::set<std::string> names;
+    EXPECT_TRUE (System_Directory_List (directory.File ("below").c_str (), Collect, &names));
+    EXPECT_FALSE (System_Directory_List (directory.File ("none").c_str (), Collect, &names));
+    EXPECT_EQ (System_Last_Error (), (unsigned)ERROR_PATH_NOT_FOUND);
+    EXPECT_FALSE (System_Directory_List (directory.File ("b.txt").c_str (), Collect, &names));
+    EXPECT_FALSE (System_Directory_List (std::string (SYSTEM_PATH_SIZE, 'x').c_str (), Collect, &names));
+    EXPECT_EQ (System_Last_Error (), (unsigned)ERROR_FILENAME_EXCED_RANGE);
+    EXPECT_TRUE (names.empty ());
+}
+
+static int End (void *context, const char *) {
+    ++*static_cast<int *> (context);
+    return 0;
+}
+
+TEST (Win32System, ListingEndsWhenAsked) {
+    Temporary_Directory directory;
+    int                 count = 0;
+    directory.Write ("a.txt", std::string ("x"));
+    directory.Write ("b.txt", std::string ("x"));
+    EXPECT_TRUE (System_Directory_List (directory.path.c_str (), End, &count));
+    EXPECT_EQ (count, 1);
+}
+
+TEST (Win32System, CopyHasTheSameBytesAndNeverReplaces) {
+    Temporary_Directory directory;
+    for (size_t size : {0u, 1u, 65536u, 200000u}) {
+        std::vector<unsigned char> bytes = Counted_Bytes (size);
+        std::string                from = directory.Write ("from", bytes), to = directory.File (NARROW);
+        EXPECT_TRUE (System_File_Copy (from.c_str (), to.c_str ()));
+        EXPECT_EQ (Read_Whole (to), std::string (bytes.begin (), bytes.end ()));
+        EXPECT_FALSE (System_File_Copy (from.c_str (), to.c_str ()));
+        EXPECT_EQ (System_Last_Error (), (unsigned)ERROR_FILE_EXISTS);
+        EXPECT_TRUE (System_File_Delete (to.c_str ()));
+    }
+    EXPECT_FALSE (System_File_Copy (directory.File ("none").c_str (), directory.File ("to").c_str ()));
+    EXPECT_EQ (System_Last_Error (), (unsigned)ERROR_FILE_NOT_FOUND);
+    EXPECT_FALSE (System_File_Exists (directory.File ("to").c_str ()));
+}
+
+// The copy is for the user to edit.
+TEST (Win32System, CopyOfAWriteProtectedFileCanBeWritten) {
+    Temporary_Directory directory;
+    std::string         from = directory.Write ("from", std::string ("x")), to = directory.File ("to");
+    SetFileAttributesA (from.c_str (), FILE_ATTRIBUTE_READONLY);
+    EXPECT_TRUE (System_File_Copy (from.c_str (), to.c_str ()));
+    EXPECT_FALSE (GetFileAttributesA (to.c_str ()) & FILE_ATTRIBUTE_READONLY);
+    SetFileAttributesA (from.c_str (), FILE_ATTRIBUTE_NORMAL);
 }
 
 // --- reading files ---------------------------------------------------------

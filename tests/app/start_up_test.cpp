@@ -396,6 +396,8 @@ TEST (Program, SkippedTagsAreLeftOutAlsoInSequences) {
         {"skip = (7fe0,0010)\n", 12},
         {"skip = (7FE0,0010) the pixels\n", 11},
         {"skip = (0008)\n", 12},
+        {"skip = (0008,0018)\nskip = (0002,0003)\nskip = (0010,*)\nskip = (0008,115?)\n", 5},
+        {"skip    = (0008,0018)  # new\nskip    = (0010,*)\nskip    = (0008,115?)\n", 6},
         {"skip = (*,*)\n", 0},
     };
     for (auto &skip : skips) {

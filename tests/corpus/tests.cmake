@@ -5,4 +5,9 @@ if (NOT WIN32)
     add_test (NAME corpus COMMAND /usr/bin/python3 ${CMAKE_CURRENT_SOURCE_DIR}/corpus/corpus_test.py
               $<TARGET_FILE:dump_elements>)
     set_tests_properties (corpus PROPERTIES TIMEOUT 300 LABELS slow)
+
+    add_executable (dump_listing corpus/dump_listing.cpp)
+    target_link_libraries (dump_listing PRIVATE tagwright_options tagwright_compare)
+    add_test (NAME listing COMMAND /usr/bin/python3 ${CMAKE_CURRENT_SOURCE_DIR}/corpus/listing_test.py
+              $<TARGET_FILE:dump_listing>)
 endif ()

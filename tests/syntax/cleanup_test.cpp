@@ -8,6 +8,7 @@
 #include "tables/data_dictionary.h"
 #include "tests/support/lists.h"
 #include "tests/support/log_recorder.h"
+#include "tests/syntax/findings.h"
 
 static const Settings    warning_settings = {LOG_WARNING, LOG_REPORT, MODE_EXPLICIT, 0, nullptr, nullptr};
 static const std::string NUL (1, '\0');
@@ -20,16 +21,6 @@ struct Clean_Case {
     int         flags;          // Marks set.
     std::string findings;       // Without their prefix, "W: " or "N: " before each, each ended by a line feed.
 };
-
-static std::string Findings (const Log_Recorder &log) {
-    std::string text;
-    for (const Log_Line &line : log.lines) {
-        if (line.kind != LOG_WARNING && line.kind != LOG_REPORT) continue;
-        std::string clean = Clean (line.text);
-        text += (line.kind == LOG_WARNING ? "W: " : "N: ") + clean.substr (clean.find (" VR=") + 7) + "\n";
-    }
-    return text;
-}
 
 static Attribute Present (uint16_t group, const char *vr, const std::string &value) {
     Attribute attribute = Record (group, 0x0022, vr, value);

@@ -7,6 +7,7 @@
 #include "tests/support/lists.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/temporary.h"
+#include "tests/syntax/findings.h"
 
 static const Settings    warning_settings = {LOG_WARNING, LOG_REPORT, MODE_EXPLICIT, 0, nullptr, nullptr};
 static const std::string NUL (1, '\0');
@@ -17,17 +18,6 @@ struct Check_Case {
     int         result;
     std::string findings;       // Without their prefix, "W: " or "N: " before each, each ended by a line feed.
 };
-
-// What the settings' kinds received, without the prefix that the test of the prefixes holds.
-static std::string Findings (const Log_Recorder &log) {
-    std::string text;
-    for (const Log_Line &line : log.lines) {
-        if (line.kind != LOG_WARNING && line.kind != LOG_REPORT) continue;
-        std::string clean = Clean (line.text);
-        text += (line.kind == LOG_WARNING ? "W: " : "N: ") + clean.substr (clean.find (" VR=") + 7) + "\n";
-    }
-    return text;
-}
 
 static void Expect_Check (const Check_Case &one, uint16_t group = 0x0018) {
     Log_Recorder log;

@@ -18,6 +18,9 @@
 #include "attribute/attribute.h"
 #include "tables/data_dictionary.h"
 #include "tables/definition_files.h"
+#include "tables/modality.h"
+#include "tests/support/lists.h"
+#include "tests/support/log_recorder.h"
 
 static const char *const FOLDER         = TAGWRIGHT_SOURCE_DIR "/DICOM Tables/";
 static const char *const EXAMPLES       = TAGWRIGHT_SOURCE_DIR "/examples/tables/";
@@ -59,11 +62,10 @@ static std::string Upper (std::string text) {
 
 // Stricter than the program: one way to write a line, with every word in its place.
 static bool Read_Line (const std::string &text, Table_Line *line) {
-    static const std::regex include ("(>*)include ([A-Za-z0-9_-]+)");
-    static const std::regex attribute (
-        "(>*)-?\\(([0-9A-F]{4}),([0-9A-F]{4})\\)( +type=(1|1C|2|2C|3))?( +VR=([A-Z]{2}))?"
-        "( +desc=\"([^\"\\[\\];]+)\")? *(; (.*))?");
-    std::smatch found;
+    static const std::regex include ("(>*)include ([A-Za-z0-9_-]+) *(;.*)?");
+    static const std::regex attribute ("(>*)\\(([0-9A-F]{4}),([0-9A-F]{4})\\)( +type=(1|1C|2|2C|3))?( +VR=([A-Z]{2}))?"
+                                       "( +desc=\"([^\"\\[\\];]+)\")? *(; (.*))?");
+    std::smatch             found;
     if (std::regex_match (text, found, include)) {
         line->depth   = static_cast<int> (found.length (1));
         line->include = found[2];
@@ -424,4 +426,112 @@ TEST (ExampleTables, CanBeReadByTheProgram) {
         for (const Table_Line &line : table.lines)
             EXPECT_NE (line.include.empty (), line.vr.empty () && line.tag != ITEM);
     }
+}
+
+// --- as the program reads them ---------------------------------------------
+
+class TablesInUse : public testing::Test {
+protected:
+    TablesInUse () {
+        settings.kind_warning = LOG_WARNING;
+        settings.kind_note    = LOG_REPORT;
+    }
+    ~TablesInUse () override {
+        DICOM_Module_Free (nullptr);
+        DICOM_Module_Private_Free (nullptr);
+        DICOM_Module_Dir_Set ("");
+    }
+
+    Settings settings = {};
+};
+
+static std::string Type_Text (const Attribute *attribute) {
+    char text[] = {Code_First (attribute->type, '-'), Code_Second (attribute->type, '-'), 0};
+    return Trimmed (text);
+}
+
+// Tags ascend, none stands twice, and a sequence has one item.
+static void Collect_Paths (const Attribute *list, const std::string &above, Paths *paths) {
+    std::string before;
+    for (const Attribute *attribute = list; attribute; attribute = attribute->next) {
+        char tag[9];
+        snprintf (tag, sizeof (tag), "%04X%04X", attribute->group, attribute->element);
+        EXPECT_LT (before, tag) << above;
+        EXPECT_EQ (attribute->vr == VR_SQ ? 1 : 0, attribute->nb_item) << above << tag;
+        EXPECT_TRUE (attribute->vr) << above << tag;
+        EXPECT_EQ (ORIGIN_MODULE, attribute->flags) << above << tag;
+        (*paths)[above + tag] = Type_Text (attribute);
+        for (int32_t i = 0; i < attribute->nb_item; i++) Collect_Paths (attribute->item[i], above + tag + ">", paths);
+        before = tag;
+    }
+}
+
+// A line for each path that differs: what is expected of it, and what it is.
+static std::string Differences (const Paths &expected, const Paths &found) {
+    std::string text;
+    for (const auto &[path, type] : expected) {
+        auto there = found.find (path);
+        if (there == found.end ()) text += path + " " + type + ", lost\n";
+        else if (there->second != type) text += path + " " + type + ", but is " + there->second + "\n";
+    }
+    for (const auto &[path, type] : found)
+        if (!expected.count (path)) text += path + " " + type + ", invented\n";
+    return text;
+}
+
+TEST_F (TablesInUse, EachModalityIsAssembledWithoutAWordAndAsExpected) {
+    DICOM_Module_Dir_Set (FOLDER);
+    for (const auto &[name, expected] : Expected_Paths ()) {
+        Log_Recorder log;
+        Paths        found;
+        Attribute   *list = DICOM_Module_Read (nullptr, &settings, name.c_str ());
+        EXPECT_TRUE (list) << name;
+        Collect_Paths (list, "", &found);
+        EXPECT_EQ ("", log.All ()) << name;
+        EXPECT_EQ ("", Differences (expected, found)) << name;
+    }
+}
+
+// What the tables say of a private attribute: "CS Acquisition Mode".
+static std::string Private_Text (const Settings *settings, const std::string &creator, unsigned tag) {
+    Test_List  list;
+    Attribute *attribute = list.Add (static_cast<uint16_t> (tag >> 16), static_cast<uint16_t> (tag));
+    if (DICOM_Module_Read_Private (nullptr, settings, creator.c_str (), attribute) != 1) return "";
+    std::string text = {Code_First (attribute->vr, '-'), Code_Second (attribute->vr, '-'), ' '};
+    return text + (attribute->description ? attribute->description : "");
+}
+
+TEST_F (TablesInUse, EachPrivateAttributeIsFoundInAnyBlockWithoutAWord) {
+    DICOM_Module_Dir_Set (FOLDER);
+    Log_Recorder log;
+    for (const Table *table : Of_Kind ("Private"))
+        for (const std::string &creator : Creators (*table))
+            for (const Table_Line &line : table->lines) {
+                if (line.tag == ITEM) continue;
+                std::string text = line.vr + " " + line.description;
+                EXPECT_EQ (text, Private_Text (&settings, creator, line.tag)) << Place (*table, line);
+                EXPECT_EQ (text, Private_Text (&settings, creator, line.tag + 0x3200)) << Place (*table, line);
+            }
+    EXPECT_EQ ("", log.All ());
+}
+
+TEST_F (TablesInUse, ExampleMarksARawHeaderAsDeleted) {
+    DICOM_Module_Dir_Set (EXAMPLES);
+    Test_List  list;
+    Attribute *header = list.Add (0x0029, 0x10F0), *mode = list.Add (0x0029, 0x1008);
+    EXPECT_EQ (1, DICOM_Module_Read_Private (nullptr, &settings, "Acme/Imaging", header));
+    EXPECT_EQ (1, DICOM_Module_Read_Private (nullptr, &settings, "Acme/Imaging", mode));
+    EXPECT_EQ (DELETED, header->flags & DELETED);
+    EXPECT_EQ (0, mode->flags & DELETED);
+}
+
+TEST_F (TablesInUse, ExamplesDescribeTheirCreators) {
+    DICOM_Module_Dir_Set (EXAMPLES);
+    Log_Recorder log;
+    EXPECT_EQ ("CS Acquisition Mode", Private_Text (&settings, "Acme/Imaging", 0x00291008));
+    EXPECT_EQ ("SQ Calibration Sequence", Private_Text (&settings, "Acme/Imaging", 0x00291120));
+    EXPECT_EQ ("DS Table Feed", Private_Text (&settings, "Example Scanner 2.1", 0x00191001));
+    EXPECT_EQ ("DT Last Service", Private_Text (&settings, "Example Scanner", 0x00091002));
+    EXPECT_EQ ("", Private_Text (&settings, "Example", 0x00091002));
+    EXPECT_EQ ("", log.All ());
 }

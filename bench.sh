@@ -8,7 +8,7 @@ build=$root/build/bench-build
 log=$root/build/bench.log
 mkdir -p "$root/build"
 cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTAGWRIGHT_TESTS=OFF >"$log" 2>&1 &&
-  cmake --build "$build" --target tagwright make_pairs >>"$log" 2>&1 || { cat "$log"; exit 1; }
+  cmake --build "$build" --target tagwright make_pairs assemble >>"$log" 2>&1 || { cat "$log"; exit 1; }
 files=${1:-$root/build/bench}
 mkdir -p "$files"
 
@@ -56,3 +56,7 @@ for count in 120000 480000 1920000; do
   echo "$line"
   previous_time=$own_time previous_memory=$own_memory
 done
+
+echo
+echo "== assembling the definition of each modality (bound 50 ms; the slowest five)"
+"$build/bench/assemble" "$root/DICOM Tables/" | head -n 5

@@ -3,4 +3,5 @@ tagwright_test (compare
     cleanup_listing_test.cpp
     comparison_run_test.cpp
     examples_test.cpp
-    file_reader_test.cpp)
+    file_reader_test.cpp
+    modality_run_test.cpp)

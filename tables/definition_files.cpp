@@ -89,14 +89,14 @@ static void Warn_Line (Window window, const char *label, int line_number, const 
 // What is read between two line ends, or before the end of the file.
 struct Raw_Line {
     char *buffer;
-    int   stored;       // Bytes in buffer.
-    int   position;     // Bytes read, carriage returns counted.
-    char *comment;      // Behind the first ";", or none.
+    int   stored;   // Bytes in buffer.
+    int   position; // Bytes read, carriage returns counted.
+    char *comment;  // Behind the first ";", or none.
 };
 
 static void Store (Window window, Raw_Line *line, uint8_t byte, const char *label, int line_number) {
     if (byte == '\t') byte = ' ';
-    if (byte == 0x92) byte = '\'';      // The apostrophe of Windows-1252, which text processors write.
+    if (byte == 0x92) byte = '\''; // The apostrophe of Windows-1252, which text processors write.
     if (byte == ';' && !line->comment) {
         byte          = 0;
         line->comment = line->buffer + line->stored + 1;
@@ -157,8 +157,8 @@ enum Value_Result { VALUE_REFUSED, VALUE_SET, VALUE_NO_MEMORY };
 
 struct Value_Form {
     uint16_t vr;
-    char     padding;       // Of a text.
-    uint8_t  size;          // Of a number in bytes; 0: a text.
+    char     padding; // Of a text.
+    uint8_t  size;    // Of a number in bytes; 0: a text.
     uint8_t  real;
 };
 
@@ -231,7 +231,7 @@ static Value_Result Value_Numbers (Window window, Attribute *attribute, const ch
 
         const char *backslash = used == form->size ? strchr (text, '\\') : nullptr;
         if (used == form->size) text = backslash ? backslash + 1 : "";
-        else                    text += strcspn (text, BETWEEN);
+        else text += strcspn (text, BETWEEN);
         text = Skip_While (text, BETWEEN);
         if (!*text) text = nullptr;
     }
@@ -257,16 +257,16 @@ int DICOM_Module_Value_Set (Window window, Attribute *attribute, const char *tex
 static const int CACHE_BUCKETS = 4096;
 
 struct Cache_Name {
-    char   *text;           // Owned.
-    int32_t next;           // The next name of the same bucket + 1, 0 at the end.
+    char   *text; // Owned.
+    int32_t next; // The next name of the same bucket + 1, 0 at the end.
 };
 
 // Lists in the order in which their names came, found by name.
 struct Cache {
     Cache_Name *names;
-    Attribute **lists;      // Owned lists; none where there was no file.
+    Attribute **lists; // Owned lists; none where there was no file.
     int32_t     count;
-    int32_t     buckets[CACHE_BUCKETS];     // The newest name of each + 1, 0 for none.
+    int32_t     buckets[CACHE_BUCKETS]; // The newest name of each + 1, 0 for none.
 };
 
 static int32_t *Cache_Bucket (Cache *cache, const char *name) {
@@ -316,26 +316,26 @@ static const int32_t NOT_INCLUDED = -1;
 
 // A table being read.
 struct Table {
-    Table      *parent;         // Whose include directive asked for this one; none for the outermost.
-    int32_t     entry;          // Of the include cache, or NOT_INCLUDED.
-    File       *file;           // Owned when included. None when it can't be read any further.
-    int64_t     position;       // Where the file was closed while an included table is read.
-    const char *label;          // In messages; of an included table its file's name.
+    Table      *parent;   // Whose include directive asked for this one; none for the outermost.
+    int32_t     entry;    // Of the include cache, or NOT_INCLUDED.
+    File       *file;     // Owned when included. None when it can't be read any further.
+    int64_t     position; // Where the file was closed while an included table is read.
+    const char *label;    // In messages; of an included table its file's name.
     int         line_number;
-    int         level;          // Depth of the last line,
-    int         open_items;     // and what is open around it.
+    int         level;      // Depth of the last line,
+    int         open_items; // and what is open around it.
     int         open_sequences;
-    Attribute **list;           // Where its records go: own when included.
+    Attribute **list; // Where its records go: own when included.
     Attribute  *own;
 };
 
 struct Reading {
     Window          window;
     const Settings *settings;
-    SequenceCursor  cursor;     // At the top: the lists are flat.
-    Table          *top;        // The table that is read now.
+    SequenceCursor  cursor; // At the top: the lists are flat.
+    Table          *top;    // The table that is read now.
     int             records;
-    int             full;       // 1 after the warning about too many records.
+    int             full; // 1 after the warning about too many records.
     char            line[DEFINITION_LINE_SIZE];
 };
 
@@ -637,11 +637,11 @@ static int Set_VR (Attribute *tag, const char *text) {
 // What is wrong with the token: a piece of the message, or none.
 static const char *Apply_Token (char *token, Attribute *tag, Line_Texts *texts) {
     char *text;
-    if (*token == '"')                   texts->value = Text_Unquote (token);
+    if (*token == '"') texts->value = Text_Unquote (token);
     else if ((text = After (token, "type="))) return Set_Type (tag, text) ? nullptr : "\"type=xx\"";
     else if ((text = After (token, "desc="))) texts->description = Text_Unquote (text);
-    else if ((text = After (token, "VR=")))   return Set_VR (tag, text) ? nullptr : "\"VR=xx\"";
-    else if (!After (token, "VN="))           return "";
+    else if ((text = After (token, "VR="))) return Set_VR (tag, text) ? nullptr : "\"VR=xx\"";
+    else if (!After (token, "VN=")) return "";
     return nullptr;
 }
 
@@ -787,9 +787,9 @@ Attribute *DICOM_Module_Include_Get (Window window, const Settings *settings, co
     Reading reading;
     Reading_Begin (&reading, window, settings);
     Attribute *macro;
-    int32_t    entry = Include.count;     // Of the file, should it be read now.
+    int32_t    entry = Include.count; // Of the file, should it be read now.
     if (!Include_Begin (&reading, name, label, line, &macro)) macro = nullptr;
-    else if (reading.top)                                     macro = Read_Tables (&reading) ? Include.lists[entry] : nullptr;
+    else if (reading.top) macro = Read_Tables (&reading) ? Include.lists[entry] : nullptr;
     Mutex_Access_Stop ();
     return macro;
 }
@@ -803,12 +803,12 @@ void DICOM_Module_Include_Free (Window window) {
 // --- assembling ------------------------------------------------------------
 
 static File *Module_File_Open (Window window, const char *modality, char *name) {
-    int   fits = Table_Name (name, "DICOM_Module_%s.txt", modality);
+    int fits = Table_Name (name, "DICOM_Module_%s.txt", modality);
     Log_Message (window, LOG_TRACE4, "module IOD file:%s in dir:%s", name, Module_Dir);
     File *file = fits ? Table_Open (name) : nullptr;
     if (file) return file;
-    Log_Message (window, LOG_WARNING, WARNING_WORD " Unable to open module IOD file:" BLUE ("%s") " in dir:" BLUE ("%s"),
-                 name, Module_Dir);
+    Log_Message (window, LOG_WARNING,
+                 WARNING_WORD " Unable to open module IOD file:" BLUE ("%s") " in dir:" BLUE ("%s"), name, Module_Dir);
     Table_Name (name, "DICOM_Module_%s.txt", "OT_Image");
     return Table_Open (name);
 }
@@ -875,7 +875,8 @@ static void Trace_End (Window window) {
     for (int i = 0; i < 3; i++) Log_Message (window, LOG_TRACE1, "%s", RULE);
 }
 
-// Takes over the flat list. The nested, corrected and sorted tree without item tags; 0 when there is none.
+// Takes over the flat list. The nested, corrected and sorted tree without item tags; 0 when there is none or memory ran
+// out.
 static int Make_Tree (Window window, SequenceCursor *cursor, Attribute **flat, Attribute **tree) {
     Phase (window, "-----                        Format of sequences                         ------");
     *tree = DICOM_Attribute_Format (window, cursor->settings, *flat);
@@ -892,9 +893,10 @@ static int Make_Tree (Window window, SequenceCursor *cursor, Attribute **flat, A
     Trace_List (window, cursor, *tree, LOG_TRACE4);
 
     Phase (window, "-----                         Sorting DICOM tags                         ------");
-    DICOM_Attribute_Sort (window, cursor, tree);
+    int sorted = !*tree || DICOM_Attribute_Sort (window, cursor, tree);
     Trace_List (window, cursor, *tree, LOG_TRACE4);
-    return 1;
+    if (!sorted) List_Free (window, tree);
+    return sorted;
 }
 
 // Takes over the tree.
@@ -962,12 +964,12 @@ static int Private_Grow (Window window) {
     if (count == INT32_MAX / 2) return 0;
     if (!Is_Power_Of_Two (count)) return 1;
     size_t capacity = count ? static_cast<size_t> (count) * 2 : 1;
-    void  *lists    = Memory_Realloc (window, HERE ("Private_List", count + 1, 8), Private.lists,
-                                      capacity * sizeof *Private.lists);
+    void  *lists =
+        Memory_Realloc (window, HERE ("Private_List", count + 1, 8), Private.lists, capacity * sizeof *Private.lists);
     if (!lists) return 0;
     Private.lists = static_cast<Attribute **> (lists);
-    void *names   = Memory_Realloc (window, HERE ("Private_Name", count + 1, 8), Private.names,
-                                    capacity * sizeof *Private.names);
+    void *names =
+        Memory_Realloc (window, HERE ("Private_Name", count + 1, 8), Private.names, capacity * sizeof *Private.names);
     if (!names) return 0;
     Private.names = static_cast<Cache_Name *> (names);
     return 1;
@@ -991,8 +993,8 @@ static int32_t Private_Read (Window window, const Settings *settings, const char
 
 // Tables are written for block 10, that is with elements 1000 to 10FF, or with the low byte alone.
 static Attribute *Private_Find (Window window, Attribute *list, const Attribute *attribute) {
-    SequenceCursor cursor = {};
-    uint16_t       low    = attribute->element & 0xFF;
+    SequenceCursor cursor  = {};
+    uint16_t       low     = attribute->element & 0xFF;
     const uint16_t tries[] = {attribute->element, low, static_cast<uint16_t> (0x1000 + low)};
     for (uint16_t element : tries) {
         Attribute *found = DICOM_Attribute_Get (window, &cursor, list, attribute->group, element, 0);

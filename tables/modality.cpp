@@ -85,7 +85,8 @@ static int Read_Override (Window window, const Settings *settings, Attribute **l
         Log_Message (window, LOG_WARNING,
                      EMPHASIS COLOUR_YELLOW "WARNING:" COLOUR_BLACK " reading command line override");
         Log_Message (window, LOG_WARNING,
-                     "\t\t" COLOUR_BLACK " Unable to open attributes file:" COLOUR_BLUE "%s" COLOUR_BLACK, override_path);
+                     "\t\t" COLOUR_BLACK " Unable to open attributes file:" COLOUR_BLUE "%s" COLOUR_BLACK,
+                     override_path);
         return 1;
     }
     int done = DICOM_Module_Read_File (window, settings, file, "Command line override", list);
@@ -95,8 +96,8 @@ static int Read_Override (Window window, const Settings *settings, Attribute **l
 
 // --- definitions -----------------------------------------------------------
 
-static char      *Modality_Name[MODALITY_LIMIT];    // Owned. None stands for the empty name.
-static Attribute *Modality_List[MODALITY_LIMIT];    // Owned.
+static char      *Modality_Name[MODALITY_LIMIT]; // Owned. None stands for the empty name.
+static Attribute *Modality_List[MODALITY_LIMIT]; // Owned.
 static int32_t    Modality_Nb;
 
 // The index of the name, or -1.
@@ -109,7 +110,8 @@ static int32_t Modality_Find (const char *name) {
 static int Refuse_Another (Window window) {
     Log_Message (window, LOG_ERROR,
                  EMPHASIS COLOUR_RED "ERROR:" COLOUR_BLACK " DICOM_Module_Read Exceeding " COLOUR_BLUE "%d" COLOUR_BLACK
-                                     " modalities!", MODALITY_LIMIT);
+                                     " modalities!",
+                 MODALITY_LIMIT);
     return 0;
 }
 

@@ -8,8 +8,10 @@
 
 #include "attribute/NEMA_Tag_Attribute.h"
 #include "tables/data_dictionary.h"
+#include "tables/definition_files.h"
 #include "tests/support/lists.h"
 #include "tests/support/log_recorder.h"
+#include "tests/support/temporary.h"
 #include "util/memory.h"
 
 static std::string Description (const Attribute *attribute) {
@@ -227,6 +229,66 @@ TEST (NemaTagComplement, PrivateAttributesGetTheNameOfTheirCreator) {
     EXPECT_EQ ("(none)", Description (orphan));
     EXPECT_EQ ("(none)", Description (group));
     EXPECT_EQ ("(none)", Description (DICOM_Attribute_Get (nullptr, &list.cursor, list.first, 0x0009, 0x0100, 0)));
+}
+
+// A directory with a table of one creator.
+struct Private_Table {
+    Temporary_Directory directory;
+
+    explicit Private_Table (const std::string &text) {
+        directory.Write ("DICOM_Private_ACME 1.0.txt", text);
+        DICOM_Module_Dir_Set (directory.path.c_str ());
+    }
+    ~Private_Table () {
+        DICOM_Module_Private_Free (nullptr);
+        DICOM_Module_Dir_Set ("");
+    }
+};
+
+TEST (NemaTagComplement, TableOfTheCreatorDescribesItsAttributes) {
+    Private_Table table ("(0009,1001) VR=CS desc=\"Mode\"\n(0009,1002) VR=OB\n-(0009,1003) desc=\"Gone\"\n");
+    Test_List     list;
+    list.Add (0x0009, 0x0010, "LO", "Acme 1.0");
+    list.Add (0x0009, 0x0042, "LO", "OTHER");
+    Attribute *described = list.Add (0x0009, 0x1001, "UN", "12");
+    Attribute *bare      = list.Add (0x0009, 0x1002);
+    Attribute *removed   = list.Add (0x0009, 0x1003, "US", "12");
+    Attribute *unknown   = list.Add (0x0009, 0x1004, "US", "12");
+    Attribute *other     = list.Add (0x0009, 0x4201);
+    bare->vr             = VR_US;
+    DICOM_Attribute_Set_Description (nullptr, bare, 0, "my own");
+    DICOM_Attribute_Set_Description (nullptr, unknown, 0, "my own");
+    Complement (&list);
+    EXPECT_EQ ("Mode", Description (described));
+    EXPECT_EQ (VR_CS, described->vr);
+    EXPECT_EQ ("my own", Description (bare)); // The table knows it, but has no name for it.
+    EXPECT_EQ (VR_OB, bare->vr);
+    EXPECT_EQ ("Gone", Description (removed));
+    EXPECT_TRUE (removed->flags & DELETED);
+    EXPECT_EQ ("Acme 1.0", Description (unknown));
+    EXPECT_FALSE (unknown->flags & DELETED);
+    EXPECT_EQ ("OTHER", Description (other));
+}
+
+// Creators are given blocks as they come; the table is written for the first one.
+TEST (NemaTagComplement, TableServesEveryBlock) {
+    Private_Table table ("(0009,1001) desc=\"Mode\"\n");
+    Test_List     list;
+    list.Add (0x0009, 0x0077, "LO", "ACME 1.0");
+    Attribute *moved = list.Add (0x0009, 0x7701);
+    Complement (&list);
+    EXPECT_EQ ("Mode", Description (moved));
+}
+
+TEST (NemaTagComplement, DamagedTableIsToldAndTheCreatorNames) {
+    Private_Table table ("nonsense\n");
+    Test_List     list;
+    list.Add (0x0009, 0x0010, "LO", "ACME 1.0");
+    Attribute   *attribute = list.Add (0x0009, 0x1001);
+    Log_Recorder log;
+    Complement (&list);
+    EXPECT_EQ ("ACME 1.0", Description (attribute));
+    EXPECT_EQ (1, log.Count (LOG_WARNING, " reading Attribute file:DICOM_Private_ACME 1.0.txt line:1")) << log.All ();
 }
 
 TEST (NemaTagComplement, OrphanKeepsItsDescription) {

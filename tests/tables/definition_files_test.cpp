@@ -598,20 +598,43 @@ TEST (DefinitionInclude, GetGivesTheCachedList) {
     EXPECT_EQ (2, log.Count (LOG_WARNING, "WARNING: reading Attribute file:T line:3"));
 }
 
-// Each file includes the next one, as deep as there may be; the last one holds the only attribute.
-TEST (DefinitionInclude, TenThousandFilesDeepAndNoMore) {
-    Include_Read tables;
-    for (int i = 0; i < DEFINITION_INCLUDES + 1; i++)
-        tables.Include (std::to_string (i), i == DEFINITION_INCLUDES - 2 ? "(0010,0020)\ninclude 10239\n"
-                                                                         : "include " + std::to_string (i + 1) + "\n");
+// More than a process may have open files, and more than a call stack would take. The last one has the only attribute.
+TEST (DefinitionInclude, ThousandsOfFilesDeep) {
+    static const int DEPTH = 2500;
+    Include_Read     tables;
+    for (int i = 0; i < DEPTH; i++) tables.Include (std::to_string (i), "include " + std::to_string (i + 1) + "\n");
+    tables.Include (std::to_string (DEPTH), "(0010,0020)\n");
     EXPECT_EQ ("0020 ", tables.Read ("include 0\n"));
-    // The last one that fits is entered but refused, without a word when it is asked for again.
-    std::string warning = "WARNING: To many include in DICOM tables! (max=10240)\n";
-    EXPECT_EQ (warning, tables.warnings);
-    tables.Read ("include 10239\n");
     EXPECT_EQ ("", tables.warnings);
-    EXPECT_EQ ("0020 0020 ", tables.Read ("include 10240\ninclude 0\n"));
-    EXPECT_EQ (warning, tables.warnings);
+}
+
+// Names of one and the same file, different for every number: a 1 is written as a superfluous step of the path.
+static std::string Alias (int number) {
+    std::string name = "/";
+    for (int bit = 0; bit < 14; bit++) name += number >> bit & 1 ? "./" : "/";
+    return "include A" + name + "x\n";
+}
+
+TEST (DefinitionInclude, TenThousandFilesAndNoMore) {
+    static const char WARNING[] = "WARNING: To many include in DICOM tables! (max=10240)\n";
+    Include_Read      tables;
+    System_Directory_Make (tables.directory.File ("DICOM_Include_A").c_str ());
+    tables.directory.Write (std::string ("DICOM_Include_A") + System_Separator () + "x.txt",
+                            std::string ("(0010,0020)\n"));
+    std::string table;
+    for (int i = 1; i < DEFINITION_INCLUDES; i++) table += Alias (i);
+    std::string all = tables.Read (table);
+    EXPECT_EQ (5u * (DEFINITION_INCLUDES - 1), all.size ()) << "each gives its attribute";
+    EXPECT_EQ ("", tables.warnings);
+
+    EXPECT_EQ (all, tables.Read (Alias (DEFINITION_INCLUDES))) << "entered, but not read";
+    EXPECT_EQ (WARNING, tables.warnings);
+    EXPECT_EQ (all, tables.Read (Alias (DEFINITION_INCLUDES))) << "nothing is said when it is asked for again";
+    EXPECT_EQ ("", tables.warnings);
+    EXPECT_EQ (all + "0020 ", tables.Read (Alias (DEFINITION_INCLUDES + 1) + Alias (1)));
+    EXPECT_EQ (WARNING, tables.warnings);
+    DICOM_Module_Include_Free (nullptr);
+    EXPECT_EQ (all + "0020 0020 ", tables.Read (Alias (DEFINITION_INCLUDES + 1)));
 }
 
 TEST (DefinitionInclude, MultiplyingIncludesEndWithAWarning) {

@@ -231,6 +231,63 @@ TEST (DefinitionAssembly, FilesAreTraced) {
                               "\nDICOM_Module_X.txt[1] ->  A\n"));
 }
 
+// --- damaged tables ---------------------------------------------------------
+
+TEST (DefinitionAssembly, DeeperThanTheCursorIsWarnedAboutAndEnds) {
+    Assembled tables;
+    tables.Module ("X", "A\n");
+    std::string text, depth;
+    for (int i = 0; i < 40; i++, depth += ">") text += depth + "(0008,1140)\n";
+    tables.Attributes ("A", text + depth + "(0010,0010)\n(0010,0020)\n");
+    EXPECT_NE ("failed", tables.Assemble ());
+    EXPECT_NE (std::string::npos, tables.warnings.find ("To many \"sequences\" in DICOM stream"));
+}
+
+// Pieces of the grammar in any order, the same in every build.
+TEST (DefinitionAssembly, AnyTablesEndInAListOrNone) {
+    static const std::string pieces[] = {"(0010,1002)", "(0010,0020)", "(0011,1010)",
+                                         "(FFFE,E000)", "(FFFE,E00D)", "(FFFE,E0DD)",
+                                         "(7FE0,0010)", "(FFFF,FFFF)", "(",
+                                         ")",           ">",           ">>>",
+                                         "!",           "=",           "-",
+                                         "+",           "include A",   "include B",
+                                         "include C",   "type=1C",     "type=",
+                                         "VR=SQ",       "VR=UN",       "VR=OB\\OW",
+                                         "VR=US",       "VR=DA",       "desc=\"a b\"",
+                                         "desc=[",      "\"1\\2 3\"",  "\"\"",
+                                         "\"",          " ",           "\t",
+                                         "\r",          "\n",          "\n",
+                                         "\n",          "\n",          ";",
+                                         "\f",          "\x91",        "\x92",
+                                         "\xFF",        "\x01",        std::string (1, '\0')};
+    static const size_t      COUNT    = sizeof pieces / sizeof *pieces;
+    uint32_t                 random   = 1;
+    auto                     next     = [&random] (size_t bound) {
+        random = random * 1664525u + 1013904223u;
+        return (random >> 8) % bound;
+    };
+    Dictionary_Build (nullptr);
+    long live = Memory_Live ();
+    for (int round = 0; round < 400; round++) {
+        Definition_Tables tables;
+        Log_Recorder      log;
+        for (const char *name : {"A", "B", "C", "D"}) {
+            std::string text;
+            for (size_t i = next (120); i; i--) {
+                text += pieces[next (COUNT)];
+                if (next (3) == 0) text += "\n(0008,1140) type=1\n";
+            }
+            if (*name == 'D') tables.Attributes (name, text);
+            else tables.Include (name, text);
+        }
+        tables.Module ("X", "D\nD\n");
+        Test_List list (round % 2 ? &warning_settings : nullptr);
+        DICOM_Module_Assemble (nullptr, list.cursor.settings, "X", &list.first);
+        EXPECT_EQ (0, log.Count (LOG_ERROR));
+    }
+    EXPECT_EQ (live, Memory_Live ());
+}
+
 // --- cost and memory -------------------------------------------------------
 
 TEST (DefinitionAssembly, TwentyThousandAttributesTakeLinearTime) {

@@ -10,6 +10,7 @@
 #include "nema/NEMA_Read_Value.h"
 #include "tables/data_dictionary.h"
 #include "tables/definition_files.h"
+#include "tables/modality.h"
 #include "tests/support/lists.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/stream.h"
@@ -211,6 +212,21 @@ TEST (ModalityRun, PrivateAttributesAreDescribedByTheirCreator) {
     EXPECT_EQ (11, run.Start ());
     EXPECT_EQ ("Acquisition mode", Description (Find (Comparison_Last.merged, 0x0029, 0x1108)));
     EXPECT_EQ ("Acme/Imaging", Description (Find (Comparison_Last.merged, 0x0029, 0x1109)));
+}
+
+// Of one attribute the modules' word counts, unless the overriding line is forced.
+TEST (ModalityRun, OverrideIsReadBeforeTheModules) {
+    Modality_Run run;
+    run.Write (File_Of (CT));
+    std::string path = run.directory.Write (
+        "ours.txt", std::string ("(0010,0010) type=1 desc=\"Ours\"\n!(0018,0060) type=1 desc=\"Ours\"\n(0020,4000)\n"));
+    DICOM_Module_Override_Set (path.c_str ());
+    EXPECT_EQ (8, run.Start ());
+    DICOM_Module_Override_Set ("");
+    const Attribute *merged = Comparison_Last.merged;
+    EXPECT_EQ ("2 ", Type (Find (merged, 0x0010, 0x0010)));
+    EXPECT_EQ ("1 ", Type (Find (merged, 0x0018, 0x0060)));
+    EXPECT_EQ (DIFFERENCE_FILE_AND_DEFINITION, Find (merged, 0x0020, 0x4000)->flags);
 }
 
 // --- two files -------------------------------------------------------------

@@ -216,7 +216,7 @@ TEST (FileReader, BareStreamIsReadFromItsStart) {
     EXPECT_EQ (0u, reader.At (0)->pos_tag);
     EXPECT_EQ (2, log.Count (LOG_WARNING)) << log.All ();
     EXPECT_TRUE (log.Has (LOG_WARNING, "\xF1\x05WARNING:\xF0\x02  file: \x02" + reader.name));
-    EXPECT_TRUE (log.Has (LOG_WARNING, "\xF0\x02\t\tis not a valid part-10 DICOM file.  We will attempt to read "
+    EXPECT_TRUE (log.Has (LOG_WARNING, "\xF0\x02\t\t\tis not a valid part-10 DICOM file.  We will attempt to read "
                                        "anyway..."));
 }
 

@@ -6,38 +6,25 @@
 // itself, directly or through others, therefore finds its own entry empty, which ends the recursion.
 #include "tables/definition_files.h"
 
-#include <float.h>
 #include <stdio.h>
 #include <string.h>
 
 #include "attribute/NEMA_Tag_Attribute.h"
-#include "attribute/NEMA_Tag_Copy.h"
-#include "attribute/format.h"
-#include "attribute/listing.h"
-#include "attribute/sort.h"
 #include "attribute/value.h"
-#include "syntax/cleanup.h"
 #include "tables/data_dictionary.h"
+#include "tables/definition_files_private.h"
+#include "tables/list_cache.h"
 #include "util/error_text.h"
+#include "util/memory.h"
 #include "util/mutex_access.h"
-#include "util/my_error_fct.h"
 #include "util/text.h"
 #include "util/tokenizer.h"
 
 static const char *const MODULE = "definition_files";
 
-static const size_t TABLE_NAME_SIZE = DEFINITION_LINE_SIZE + 32; // "DICOM_Attributes_" and what a line can name.
-
-// --- messages --------------------------------------------------------------
-
-#define WARNING_WORD EMPHASIS COLOUR_YELLOW "WARNING:" COLOUR_BLACK
-
-// A detail line stands below its header; a parameter is blue.
-#define DETAIL "\t\t" COLOUR_BLACK
-#define BLUE(format) COLOUR_BLUE format COLOUR_BLACK
-
-static void Warn_Header (Window window, const char *what, const char *label, int line_number) {
-    Log_Message (window, LOG_WARNING, WARNING_WORD "%s" BLUE ("%s") " line:" BLUE ("%d"), what, label, line_number);
+void Definition_Warn (Window window, const char *what, const char *label, int line_number) {
+    Log_Message (window, LOG_WARNING, DEFINITION_WARNING "%s" DEFINITION_BLUE ("%s") " line:" DEFINITION_BLUE ("%d"),
+                 what, label, line_number);
 }
 
 // --- directory -------------------------------------------------------------
@@ -57,18 +44,18 @@ const char *DICOM_Module_Dir_Set (const char *path) {
     return current;
 }
 
-// A table by its file name, or none.
-static File *Table_Open (const char *name) {
+const char *Definition_Directory (void) { return Module_Dir; }
+
+File *Definition_Open (const char *name) {
     char path[SYSTEM_PATH_SIZE];
     if (!Module_Dir) return nullptr;
     int length = snprintf (path, sizeof path, "%s%s", Module_Dir, name);
     return length < 0 || static_cast<size_t> (length) >= sizeof path ? nullptr : File_Open (path);
 }
 
-// Fills a format such as "DICOM_Include_%s.txt". 1, or 0 when the name is longer than any file's.
-static int Table_Name (char *result, const char *format, const char *name) {
-    int length = snprintf (result, TABLE_NAME_SIZE, format, name);
-    return length >= 0 && static_cast<size_t> (length) < TABLE_NAME_SIZE;
+int Definition_Name (char *result, const char *format, const char *name) {
+    int length = snprintf (result, DEFINITION_NAME_SIZE, format, name);
+    return length >= 0 && static_cast<size_t> (length) < DEFINITION_NAME_SIZE;
 }
 
 // --- one line --------------------------------------------------------------
@@ -82,8 +69,8 @@ static int Read_Byte (File *file, uint8_t *byte) {
 static int Is_Printable (uint8_t byte) { return byte >= 0x20 && byte <= 0x7E; }
 
 static void Warn_Line (Window window, const char *label, int line_number, const char *detail) {
-    Warn_Header (window, " reading file:", label, line_number);
-    Log_Message (window, LOG_WARNING, DETAIL " %s", detail);
+    Definition_Warn (window, " reading file:", label, line_number);
+    Log_Message (window, LOG_WARNING, DEFINITION_DETAIL " %s", detail);
 }
 
 // What is read between two line ends, or before the end of the file.
@@ -101,9 +88,10 @@ static void Store (Window window, Raw_Line *line, uint8_t byte, const char *labe
         byte          = 0;
         line->comment = line->buffer + line->stored + 1;
     } else if (byte && !Is_Printable (byte)) {
-        Warn_Header (window, " reading file:", label, line_number);
-        Log_Message (window, LOG_WARNING, DETAIL " Bad charact. " BLUE ("0x%x") " (pos:" BLUE ("%d") ")", byte,
-                     line->position);
+        Definition_Warn (window, " reading file:", label, line_number);
+        Log_Message (window, LOG_WARNING,
+                     DEFINITION_DETAIL " Bad charact. " DEFINITION_BLUE ("0x%x") " (pos:" DEFINITION_BLUE ("%d") ")",
+                     byte, line->position);
     }
     line->buffer[line->stored++] = static_cast<char> (byte);
 }
@@ -142,173 +130,13 @@ static char *Skip_Blanks (char *text) {
     return text;
 }
 
-// As Text_Trim, but a line stays where it is: it is trimmed again and again.
-static char *Trim (char *text) {
+char *Definition_Trim (char *text) {
     text       = Skip_Blanks (text);
     size_t end = strlen (text);
     while (end && Is_Blank (text[end - 1])) end--;
     text[end] = 0;
     return text;
 }
-
-// --- values ----------------------------------------------------------------
-
-enum Value_Result { VALUE_REFUSED, VALUE_SET, VALUE_NO_MEMORY };
-
-struct Value_Form {
-    uint16_t vr;
-    char     padding; // Of a text.
-    uint8_t  size;    // Of a number in bytes; 0: a text.
-    uint8_t  real;
-};
-
-// clang-format off
-static const Value_Form value_forms[] = {
-    {VR_AE, ' ', 0, 0}, {VR_AS, ' ', 0, 0}, {VR_CS, ' ', 0, 0}, {VR_DA, ' ', 0, 0}, {VR_DS, ' ', 0, 0},
-    {VR_DT, ' ', 0, 0}, {VR_IS, ' ', 0, 0}, {VR_LO, ' ', 0, 0}, {VR_LT, ' ', 0, 0}, {VR_PN, ' ', 0, 0},
-    {VR_SH, ' ', 0, 0}, {VR_ST, ' ', 0, 0}, {VR_TM, ' ', 0, 0}, {VR_UT, ' ', 0, 0}, {VR_UI, 0,   0, 0},
-    {VR_US, 0,   2, 0}, {VR_AT, 0,   2, 0}, {VR_SS, 0,   2, 0}, {VR_UL, 0,   4, 0}, {VR_SL, 0,   4, 0},
-    {VR_FL, 0,   4, 1}, {VR_FD, 0,   8, 1},
-};
-// clang-format on
-
-static const Value_Form *Value_Form_Of (uint16_t vr) {
-    for (const Value_Form &form : value_forms)
-        if (form.vr == vr) return &form;
-    return nullptr;
-}
-
-static Value_Result Value_Take (Window window, Attribute *attribute, const void *bytes, size_t length, size_t padded) {
-    int32_t size = static_cast<int32_t> (padded);
-    if (!Value_New (window, HERE ("tag->data", size, 1), attribute, size)) return VALUE_NO_MEMORY;
-    memcpy (attribute->data, bytes, length);
-    attribute->length = size;
-    return VALUE_SET;
-}
-
-static Value_Result Value_Text (Window window, Attribute *attribute, const char *text, char padding) {
-    size_t length = strlen (text), padded = length + length % 2;
-    if (padded > INT32_MAX) return VALUE_REFUSED;
-    Value_Result result = Value_Take (window, attribute, text, length, padded);
-    if (result == VALUE_SET && padded > length) attribute->data[length] = static_cast<uint8_t> (padding);
-    return result;
-}
-
-static float To_Float (double number) {
-    double limit = FLT_MAX;
-    return static_cast<float> (number > limit ? limit : number < -limit ? -limit : number);
-}
-
-// The bits of a number, to be cut to its form's size.
-static uint64_t Number_Bits (const Value_Form *form, const char *text) {
-    uint64_t bits = 0;
-    if (!form->real) return static_cast<uint64_t> (Text_To_Long (text));
-    double number = Text_To_Double (text);
-    if (form->size == sizeof number) {
-        memcpy (&bits, &number, sizeof number);
-    } else {
-        float    single = To_Float (number);
-        uint32_t half;
-        memcpy (&half, &single, sizeof half);
-        bits = half;
-    }
-    return bits;
-}
-
-static const char *Skip_While (const char *text, const char *set) { return text + strspn (text, set); }
-
-// The first number ends at the first backslash, the others at blanks: "1\2 3" is three numbers, "1\2\3" is two, since a
-// number ends at what can't belong to it. Tables in use rely on it.
-static Value_Result Value_Numbers (Window window, Attribute *attribute, const char *text, const Value_Form *form) {
-    static const char BETWEEN[] = " \t\n";
-
-    uint8_t numbers[DEFINITION_NUMBERS_SIZE];
-    size_t  used = 0;
-    while (text) {
-        if (used + form->size > sizeof numbers) return VALUE_REFUSED;
-        uint64_t bits = Number_Bits (form, text);
-        for (int i = 0; i < form->size; i++) numbers[used++] = static_cast<uint8_t> (bits >> 8 * i);
-
-        const char *backslash = used == form->size ? strchr (text, '\\') : nullptr;
-        if (used == form->size) text = backslash ? backslash + 1 : "";
-        else text += strcspn (text, BETWEEN);
-        text = Skip_While (text, BETWEEN);
-        if (!*text) text = nullptr;
-    }
-    return Value_Take (window, attribute, numbers, used, used);
-}
-
-static Value_Result Value_From_Text (Window window, Attribute *attribute, const char *text) {
-    Value_Release (attribute);
-    attribute->length = 0;
-    if (!*text) return VALUE_SET;
-    const Value_Form *form = Value_Form_Of (attribute->vr);
-    if (!form) return VALUE_REFUSED;
-    return form->size ? Value_Numbers (window, attribute, text, form)
-                      : Value_Text (window, attribute, text, form->padding);
-}
-
-int DICOM_Module_Value_Set (Window window, Attribute *attribute, const char *text) {
-    return Value_From_Text (window, attribute, text) == VALUE_SET;
-}
-
-// --- lists by name ---------------------------------------------------------
-
-static const int CACHE_BUCKETS = 4096;
-
-struct Cache_Name {
-    char   *text; // Owned.
-    int32_t next; // The next name of the same bucket + 1, 0 at the end.
-};
-
-// Lists in the order in which their names came, found by name.
-struct Cache {
-    Cache_Name *names;
-    Attribute **lists; // Owned lists; none where there was no file.
-    int32_t     count;
-    int32_t     buckets[CACHE_BUCKETS]; // The newest name of each + 1, 0 for none.
-};
-
-static int32_t *Cache_Bucket (Cache *cache, const char *name) {
-    uint32_t hash = 2166136261u;
-    for (; *name; name++) hash = (hash ^ static_cast<uint8_t> (*name)) * 16777619u;
-    return &cache->buckets[hash % CACHE_BUCKETS];
-}
-
-// The entry's index, or -1.
-static int32_t Cache_Find (Cache *cache, const char *name) {
-    int32_t at = *Cache_Bucket (cache, name);
-    while (at && strcmp (cache->names[at - 1].text, name) != 0) at = cache->names[at - 1].next;
-    return at - 1;
-}
-
-// Takes over name. There is room. The entry's index.
-static int32_t Cache_Add (Cache *cache, char *name) {
-    int32_t *bucket              = Cache_Bucket (cache, name);
-    cache->names[cache->count]   = {name, *bucket};
-    cache->lists[cache->count++] = nullptr;
-    return (*bucket = cache->count) - 1;
-}
-
-static void List_Free (Window window, Attribute **list) {
-    SequenceCursor cursor = {};
-    DICOM_Attribute_Delete (window, &cursor, list, TAG_ANY, TAG_ANY);
-}
-
-static void Cache_Empty (Window window, Cache *cache) {
-    for (int32_t i = 0; i < cache->count; i++) {
-        Memory_Free (cache->names[i].text);
-        List_Free (window, &cache->lists[i]);
-    }
-    cache->count = 0;
-    memset (cache->buckets, 0, sizeof cache->buckets);
-}
-
-static Cache_Name Include_Name[DEFINITION_INCLUDES];
-static Attribute *Include_List[DEFINITION_INCLUDES];
-static Cache      Include = {Include_Name, Include_List, 0, {}};
-
-static Cache Private; // Its arrays grow.
 
 // --- reading tables --------------------------------------------------------
 
@@ -332,22 +160,24 @@ struct Table {
 struct Reading {
     Window          window;
     const Settings *settings;
-    SequenceCursor  cursor; // At the top: the lists are flat.
-    Table          *top;    // The table that is read now.
-    int             records;
-    int             full; // 1 after the warning about too many records.
+    SequenceCursor  cursor;  // At the top: the lists are flat.
+    Table          *top;     // The table that is read now.
+    int            *records; // Read for this list, one more than the limit when it is full.
     char            line[DEFINITION_LINE_SIZE];
 };
 
-static void Reading_Begin (Reading *reading, Window window, const Settings *settings) {
+static void Reading_Begin (Reading *reading, Window window, const Settings *settings, int *records) {
     memset (reading, 0, sizeof *reading);
     reading->window          = window;
     reading->settings        = settings;
     reading->cursor.settings = settings;
+    reading->records         = records;
 }
 
+static int Is_Full (const Reading *reading) { return *reading->records > DEFINITION_RECORDS; }
+
 static void Warn_Attribute_File (const Reading *reading, const Table *table) {
-    Warn_Header (reading->window, " reading Attribute file:", table->label, table->line_number);
+    Definition_Warn (reading->window, " reading Attribute file:", table->label, table->line_number);
 }
 
 // The result is 0 only when memory ran out, here and below.
@@ -356,11 +186,12 @@ static int Append (Reading *reading, Table *table, const Attribute *record) {
 }
 
 static int Append_Counted (Reading *reading, Table *table, const Attribute *record) {
-    if (reading->full) return 1;
-    if (reading->records++ < DEFINITION_RECORDS) return Append (reading, table, record);
-    reading->full = 1;
+    if (Is_Full (reading)) return 1;
+    ++*reading->records;
+    if (!Is_Full (reading)) return Append (reading, table, record);
     Warn_Attribute_File (reading, table);
-    Log_Message (reading->window, LOG_WARNING, DETAIL " Too many attributes in DICOM tables! (max=" BLUE ("%d") ")",
+    Log_Message (reading->window, LOG_WARNING,
+                 DEFINITION_DETAIL " Too many attributes in DICOM tables! (max=" DEFINITION_BLUE ("%d") ")",
                  DEFINITION_RECORDS);
     return 1;
 }
@@ -431,6 +262,10 @@ static void Count_Open (Table *table, const Attribute *tag) {
 
 // --- include files ---------------------------------------------------------
 
+static List_Cache_Name Include_Name[DEFINITION_INCLUDES];
+static Attribute      *Include_List[DEFINITION_INCLUDES];
+static List_Cache      Include = {Include_Name, Include_List, 0, {}};
+
 // A table that waits for another one keeps no file open, unless it is its caller's.
 static void Table_Pause (Table *table) {
     if (!table || table->entry == NOT_INCLUDED) return;
@@ -441,7 +276,7 @@ static void Table_Pause (Table *table) {
 
 static void Table_Resume (Reading *reading, Table *table) {
     if (table->entry == NOT_INCLUDED) return;
-    table->file = Table_Open (table->label);
+    table->file = Definition_Open (table->label);
     if (table->file && File_Seek (table->file, table->position)) return;
     Warn_Line (reading->window, table->label, table->line_number, Error_Text (0));
     File_Close (table->file);
@@ -474,7 +309,8 @@ static void Table_Release (Table *table) {
 }
 
 static void Warn_Includes (Window window) {
-    Log_Message (window, LOG_WARNING, WARNING_WORD " To many include in DICOM tables! (max=" BLUE ("%d") ")",
+    Log_Message (window, LOG_WARNING,
+                 DEFINITION_WARNING " To many include in DICOM tables! (max=" DEFINITION_BLUE ("%d") ")",
                  DEFINITION_INCLUDES);
 }
 
@@ -487,7 +323,7 @@ static int Include_Enter (Reading *reading, File *file, const char *name, const 
             File_Close (file);
             return 0;
         }
-        int32_t entry = Cache_Add (&Include, copy);
+        int32_t entry = List_Cache_Add (&Include, copy);
         if (Include.count < DEFINITION_INCLUDES) return Table_Push (reading, file, file_name, entry);
     }
     Warn_Includes (reading->window);
@@ -497,24 +333,25 @@ static int Include_Enter (Reading *reading, File *file, const char *name, const 
 
 // The macro when the cache has it, else none and, when there is such a file, its table as the one that is read next.
 static int Include_Begin (Reading *reading, const char *name, const char *label, int line_number, Attribute **macro) {
-    char key[DEFINITION_LINE_SIZE], file_name[TABLE_NAME_SIZE];
+    char key[DEFINITION_LINE_SIZE], file_name[DEFINITION_NAME_SIZE];
     *macro = nullptr;
     Log_Message (reading->window, LOG_TRACE3, "DICOM_Module_Include_Get(%s)", name);
     int fits = Text_Copy (key, sizeof key, name);
     for (char *c = key; *c; c++)
         if (*c == ' ') *c = '_';
 
-    int32_t entry = Cache_Find (&Include, key);
+    int32_t entry = List_Cache_Find (&Include, key);
     if (fits && entry >= 0) {
         Log_Message (reading->window, LOG_TRACE3, "-> macro already in memory");
         *macro = Include.lists[entry];
         return 1;
     }
-    Table_Name (file_name, "DICOM_Include_%s.txt", key);
-    File *file = fits ? Table_Open (file_name) : nullptr;
+    Definition_Name (file_name, "DICOM_Include_%s.txt", key);
+    File *file = fits ? Definition_Open (file_name) : nullptr;
     if (file) return Include_Enter (reading, file, key, file_name);
-    Warn_Header (reading->window, " reading Attribute file:", label, line_number);
-    Log_Message (reading->window, LOG_WARNING, DETAIL " Unable to open included file:\"" BLUE ("%s") "\"", file_name);
+    Definition_Warn (reading->window, " reading Attribute file:", label, line_number);
+    Log_Message (reading->window, LOG_WARNING,
+                 DEFINITION_DETAIL " Unable to open included file:\"" DEFINITION_BLUE ("%s") "\"", file_name);
     return 1;
 }
 
@@ -525,7 +362,7 @@ static int Insert_Macro (Reading *reading, Table *table, const Attribute *macro)
     if (!macro) return 1;
     Log_Message (reading->window, LOG_TRACE3, "-> insert new macro(%08x) in list %08x", List_Number (macro),
                  List_Number (*table->list));
-    for (const Attribute *record = macro; record && !reading->full; record = record->next)
+    for (const Attribute *record = macro; record && !Is_Full (reading); record = record->next)
         if (!Append_Counted (reading, table, record)) return 0;
     return 1;
 }
@@ -536,7 +373,7 @@ static int Include_Directive (Reading *reading, Table *table, int depth, char *t
     for (char *c = text; *c; c++)
         if (*c == '\x91' || *c == '\x92') *c = '"';
     Attribute  *macro;
-    const char *name = Text_Unquote (Trim (text));
+    const char *name = Text_Unquote (Definition_Trim (text));
     if (!Include_Begin (reading, name, table->label, table->line_number, &macro)) return 0;
     return Insert_Macro (reading, table, macro);
 }
@@ -651,7 +488,8 @@ static void Apply_Tokens (const Reading *reading, const Table *table, char *rest
         const char *fault = Apply_Token (token, tag, texts);
         if (!fault) continue;
         Warn_Attribute_File (reading, table);
-        Log_Message (reading->window, LOG_WARNING, DETAIL " Syntax error%s (=" BLUE ("%s") ")", fault, token);
+        Log_Message (reading->window, LOG_WARNING, DEFINITION_DETAIL " Syntax error%s (=" DEFINITION_BLUE ("%s") ")",
+                     fault, token);
         return;
     }
 }
@@ -664,11 +502,12 @@ static void Complete_VR (Window window, Attribute *tag) {
 }
 
 static int Set_Texts (const Reading *reading, const Table *table, Attribute *tag, const Line_Texts *texts) {
-    Value_Result result = texts->value ? Value_From_Text (reading->window, tag, texts->value) : VALUE_SET;
+    Value_Result result = texts->value ? Definition_Value_Set (reading->window, tag, texts->value) : VALUE_SET;
     if (result == VALUE_NO_MEMORY) return 0;
     if (result == VALUE_REFUSED) {
         Warn_Attribute_File (reading, table);
-        Log_Message (reading->window, LOG_WARNING, DETAIL " Problem with value (=" BLUE ("%s") ")", texts->value);
+        Log_Message (reading->window, LOG_WARNING,
+                     DEFINITION_DETAIL " Problem with value (=" DEFINITION_BLUE ("%s") ")", texts->value);
     }
     if (!texts->description) return 1;
     tag->description = Memory_Strdup (reading->window, HERE ("tag.description", 0, 0), texts->description);
@@ -696,7 +535,9 @@ static int Attribute_Line (Reading *reading, Table *table, int depth, uint16_t f
     if (!rest) {
         Warn_Attribute_File (reading, table);
         Log_Message (reading->window, LOG_WARNING,
-                     DETAIL " Syntax error: expecting \"(xxxx,yyyy) ...\" instead of \"" BLUE ("%s") "\"", text);
+                     DEFINITION_DETAIL
+                     " Syntax error: expecting \"(xxxx,yyyy) ...\" instead of \"" DEFINITION_BLUE ("%s") "\"",
+                     text);
         return 1;
     }
     Line_Texts texts = {};
@@ -717,7 +558,7 @@ static int Handle_Line (Reading *reading, Table *table, int64_t start) {
     static const size_t DIRECTIVE_SIZE = 7;
 
     Log_Message (reading->window, LOG_TRACE5, "%s[%d] -> %s", table->label, table->line_number, reading->line);
-    char *text = Trim (reading->line);
+    char *text = Definition_Trim (reading->line);
     if (!*text) return 1;
     uint16_t flags = Take_Marks (&text);
     int      depth = Take_Depth (&text);
@@ -742,7 +583,7 @@ static int Table_End (Reading *reading, Table *table) {
 
 static int Next_Line (Reading *reading, Table *table) {
     if (table->line_number < INT32_MAX) table->line_number++;
-    return table->file && !reading->full &&
+    return table->file && !Is_Full (reading) &&
            DICOM_Module_Read_Line (reading->window, table->file, table->line_number, reading->line, table->label,
                                    nullptr);
 }
@@ -759,284 +600,48 @@ static int Read_Tables (Reading *reading) {
         Table *table = reading->top;
         reading->top = table->parent;
         if (table->entry == NOT_INCLUDED) continue;
-        List_Free (reading->window, &table->own);
+        DICOM_Attribute_Delete (reading->window, &reading->cursor, &table->own, TAG_ANY, TAG_ANY);
         Table_Release (table);
     }
     return done;
 }
 
-static int Read_Outermost (Reading *reading, File *file, const char *label, Attribute **list) {
-    Table table  = {};
-    table.entry  = NOT_INCLUDED;
-    table.file   = file;
-    table.label  = label;
-    table.list   = list;
-    reading->top = &table;
-    return Read_Tables (reading);
+int Definition_Read (Window window, const Settings *settings, File *file, const char *label, Attribute **list,
+                     int *records) {
+    Reading reading;
+    Reading_Begin (&reading, window, settings, records);
+    Table table = {};
+    table.entry = NOT_INCLUDED;
+    table.file  = file;
+    table.label = label;
+    table.list  = list;
+    reading.top = &table;
+    return Read_Tables (&reading);
 }
 
 int DICOM_Module_Read_File (Window window, const Settings *settings, File *file, const char *label, Attribute **list) {
-    Reading reading;
-    Reading_Begin (&reading, window, settings);
-    return Read_Outermost (&reading, file, label, list);
+    int records = 0;
+    return Definition_Read (window, settings, file, label, list, &records);
 }
 
 Attribute *DICOM_Module_Include_Get (Window window, const Settings *settings, const char *name, const char *label,
                                      int line) {
     Mutex_Access_Start ();
-    Reading reading;
-    Reading_Begin (&reading, window, settings);
+    Reading    reading;
     Attribute *macro;
-    int32_t    entry = Include.count; // Of the file, should it be read now.
+    int        records = 0;
+    int32_t    entry   = Include.count; // Of the file, should it be read now.
+    Reading_Begin (&reading, window, settings, &records);
     if (!Include_Begin (&reading, name, label, line, &macro)) macro = nullptr;
     else if (reading.top) macro = Read_Tables (&reading) ? Include.lists[entry] : nullptr;
     Mutex_Access_Stop ();
     return macro;
 }
 
+void Definition_Includes_Empty (Window window) { List_Cache_Empty (window, &Include); }
+
 void DICOM_Module_Include_Free (Window window) {
     Mutex_Access_Start ();
-    Cache_Empty (window, &Include);
-    Mutex_Access_Stop ();
-}
-
-// --- assembling ------------------------------------------------------------
-
-static File *Module_File_Open (Window window, const char *modality, char *name) {
-    int fits = Table_Name (name, "DICOM_Module_%s.txt", modality);
-    Log_Message (window, LOG_TRACE4, "module IOD file:%s in dir:%s", name, Module_Dir);
-    File *file = fits ? Table_Open (name) : nullptr;
-    if (file) return file;
-    Log_Message (window, LOG_WARNING,
-                 WARNING_WORD " Unable to open module IOD file:" BLUE ("%s") " in dir:" BLUE ("%s"), name, Module_Dir);
-    Table_Name (name, "DICOM_Module_%s.txt", "OT_Image");
-    return Table_Open (name);
-}
-
-static int Read_Module (Reading *reading, const char *module, const char *label, int line_number, Attribute **list) {
-    char  name[TABLE_NAME_SIZE];
-    int   fits = Table_Name (name, "DICOM_Attributes_%s.txt", module);
-    File *file = fits ? Table_Open (name) : nullptr;
-    if (!file) {
-        Warn_Header (reading->window, " reading IOD file:", label, line_number);
-        Log_Message (reading->window, LOG_WARNING, DETAIL " Unable to open attributes file:" BLUE ("%s"), name);
-        return 1;
-    }
-    int done = Read_Outermost (reading, file, name, list);
-    File_Close (file);
-    return done;
-}
-
-// Every line of the module file names an attributes file.
-static int Read_Module_Lines (Reading *reading, File *file, const char *label, Attribute **list) {
-    char line[DEFINITION_LINE_SIZE];
-    for (int number = 1; DICOM_Module_Read_Line (reading->window, file, number, line, label, nullptr);
-         number += number < INT32_MAX) {
-        Log_Message (reading->window, LOG_TRACE4, "%s[%d] -> %s", label, number, line);
-        const char *module = Trim (line);
-        if (*module && !Read_Module (reading, module, label, number, list)) return 0;
-    }
-    return 1;
-}
-
-// The flat list of all tables. 1; 0 without a directory or a module file, or when memory ran out.
-static int Read_Modality (Window window, const Settings *settings, const char *modality, Attribute **list) {
-    if (!Module_Dir) {
-        Log_Message (window, LOG_WARNING, WARNING_WORD " DICOM_Module_Dir is undefined!");
-        return 0;
-    }
-    char  label[TABLE_NAME_SIZE];
-    File *file = Module_File_Open (window, modality, label);
-    if (!file) return 0;
-    Reading reading;
-    Reading_Begin (&reading, window, settings);
-    int done = Read_Module_Lines (&reading, file, label, list);
-    File_Close (file);
-    return done;
-}
-
-// --- phases ----------------------------------------------------------------
-
-static void Phase (Window window, const char *title) {
-    if (Log.trace_level >= 4) Log_Section (window, LOG_TRACE1, title);
-}
-
-static void Trace_List (Window window, SequenceCursor *cursor, Attribute *list, int kind) {
-    if (Log.trace_level < kind - LOG_TRACE1 + 1) return;
-    DICOM_Attribute_Sequence_Reset (window, cursor);
-    DICOM_Attribute_List (window, cursor, list, kind);
-    DICOM_Attribute_Sequence_Reset (window, cursor);
-}
-
-static void Trace_End (Window window) {
-    static const char RULE[] = "-------------------------------------------------------------------------------";
-    if (Log.trace_level < 4) return;
-    Log_Message (window, LOG_TRACE1, "\n\n\n");
-    for (int i = 0; i < 3; i++) Log_Message (window, LOG_TRACE1, "%s", RULE);
-}
-
-// Takes over the flat list. The nested, corrected and sorted tree without item tags; 0 when there is none or memory ran
-// out.
-static int Make_Tree (Window window, SequenceCursor *cursor, Attribute **flat, Attribute **tree) {
-    Phase (window, "-----                        Format of sequences                         ------");
-    *tree = DICOM_Attribute_Format (window, cursor->settings, *flat);
-    List_Free (window, flat);
-    if (!*tree) {
-        Log_Message (window, LOG_TRACE1, "Failed in DICOM_Attribute_Format()");
-        return 0;
-    }
-    DICOM_Attribute_Cleanup_Walk (window, cursor, *tree);
-    Trace_List (window, cursor, *tree, LOG_TRACE5);
-
-    Phase (window, "-----                         Deleting DICOM tags                        ------");
-    DICOM_Attribute_Delete (window, cursor, tree, GROUP_DELIMITER, TAG_ANY);
-    Trace_List (window, cursor, *tree, LOG_TRACE4);
-
-    Phase (window, "-----                         Sorting DICOM tags                         ------");
-    int sorted = !*tree || DICOM_Attribute_Sort (window, cursor, tree);
-    Trace_List (window, cursor, *tree, LOG_TRACE4);
-    if (!sorted) List_Free (window, tree);
-    return sorted;
-}
-
-// Takes over the tree.
-static int Copy_Tree (Window window, SequenceCursor *cursor, Attribute **tree, Attribute **place) {
-    Phase (window, "-----                         copying DICOM tags                         ------");
-    DICOM_Attribute_Sequence_Reset (window, cursor);
-    int copied = DICOM_Attribute_Copy (window, cursor, place, *tree);
-    if (!copied) Log_Message (window, LOG_TRACE1, "Failed in DICOM_Attribute_Copy()");
-    List_Free (window, tree);
-    if (!copied) return 0;
-    Trace_List (window, cursor, *place, LOG_TRACE5);
-    Trace_End (window);
-    return 1;
-}
-
-static int Assemble (Window window, const Settings *settings, Attribute **flat, Attribute **place) {
-    SequenceCursor cursor = {};
-    Attribute     *tree   = nullptr;
-    cursor.settings       = settings;
-    Phase (window, "-----                        From Module files                           ------");
-    Trace_List (window, &cursor, *flat, LOG_TRACE5);
-    return Make_Tree (window, &cursor, flat, &tree) && Copy_Tree (window, &cursor, &tree, place);
-}
-
-int DICOM_Module_Assemble (Window window, const Settings *settings, const char *modality, Attribute **place) {
-    Attribute *flat = nullptr;
-    int        read = Read_Modality (window, settings, modality, &flat);
-    Cache_Empty (window, &Include);
-    int done = read && Assemble (window, settings, &flat, place);
-    List_Free (window, &flat);
-    return done;
-}
-
-// --- private attributes ----------------------------------------------------
-
-// A creator as part of a file name, in capitals and without what a file name can't hold.
-static void Private_Key (Window window, const char *creator, char *key) {
-    if (!Text_Copy (key, DEFINITION_KEY_SIZE, creator)) {
-        Log_Message (window, LOG_WARNING, WARNING_WORD " DICOM_Module_Read_Private");
-        Log_Message (window, LOG_WARNING, DETAIL " Private creator too long (>%d), cut", DEFINITION_KEY_SIZE - 1);
-    }
-    Text_Trim (key);
-    for (char *c = key; *c; c++) {
-        if (strchr ("/\\:*?\"<>|", *c)) *c = '_';
-        if (*c >= 'a' && *c <= 'z') *c = static_cast<char> (*c - 'a' + 'A');
-    }
-}
-
-// The table of the whole key, or of the longest beginning that has one. key is cut to it, name is its file's.
-static File *Private_Open (Window window, char *key, char *name) {
-    for (size_t length = strlen (key); length; key[--length] = 0) {
-        Table_Name (name, "DICOM_Private_%s.txt", key);
-        Log_Message (window, LOG_TRACE4, "Private Attribute file:%s in dir:%s", name, Module_Dir);
-        File *file = Table_Open (name);
-        if (file) return file;
-    }
-    return nullptr;
-}
-
-static int Is_Power_Of_Two (int32_t number) { return (number & (number - 1)) == 0; }
-
-// Room for one more creator: the arrays double when they are full.
-static int Private_Grow (Window window) {
-    int32_t count = Private.count;
-    if (count == INT32_MAX / 2) return 0;
-    if (!Is_Power_Of_Two (count)) return 1;
-    size_t capacity = count ? static_cast<size_t> (count) * 2 : 1;
-    void  *lists =
-        Memory_Realloc (window, HERE ("Private_List", count + 1, 8), Private.lists, capacity * sizeof *Private.lists);
-    if (!lists) return 0;
-    Private.lists = static_cast<Attribute **> (lists);
-    void *names =
-        Memory_Realloc (window, HERE ("Private_Name", count + 1, 8), Private.names, capacity * sizeof *Private.names);
-    if (!names) return 0;
-    Private.names = static_cast<Cache_Name *> (names);
-    return 1;
-}
-
-// Enters the creator and reads its table. The entry's index, or -1 when memory ran out.
-static int32_t Private_Read (Window window, const Settings *settings, const char *creator) {
-    char key[DEFINITION_KEY_SIZE], name[TABLE_NAME_SIZE];
-    if (!Private_Grow (window)) return -1;
-    char *copy = Memory_Strdup (window, HERE ("Private_Name[Private_Nb]", 0, 0), creator);
-    if (!copy) return -1;
-    int32_t entry = Cache_Add (&Private, copy);
-    Private_Key (window, creator, key);
-    File *file = Private_Open (window, key, name);
-    if (!file) return entry;
-    int done = DICOM_Module_Read_File (window, settings, file, name, &Private.lists[entry]);
-    File_Close (file);
-    Cache_Empty (window, &Include);
-    return done ? entry : -1;
-}
-
-// Tables are written for block 10, that is with elements 1000 to 10FF, or with the low byte alone.
-static Attribute *Private_Find (Window window, Attribute *list, const Attribute *attribute) {
-    SequenceCursor cursor  = {};
-    uint16_t       low     = attribute->element & 0xFF;
-    const uint16_t tries[] = {attribute->element, low, static_cast<uint16_t> (0x1000 + low)};
-    for (uint16_t element : tries) {
-        Attribute *found = DICOM_Attribute_Get (window, &cursor, list, attribute->group, element, 0);
-        if (found) return found;
-    }
-    return nullptr;
-}
-
-static int Private_Apply (Window window, const Attribute *found, Attribute *attribute) {
-    if (found->description && *found->description) {
-        char *description = Memory_Strdup (window, HERE ("tag->description", 0, 0), found->description);
-        if (!description) return 0;
-        Memory_Free (attribute->description);
-        attribute->description = description;
-    }
-    if (found->vr) attribute->vr = found->vr;
-    if (found->flags & TABLE_DELETE) attribute->flags |= DELETED;
-    return 1;
-}
-
-static int Read_Private (Window window, const Settings *settings, const char *creator, Attribute *attribute) {
-    Log_Message (window, LOG_TRACE5, "in DICOM_Module_Read_Private(%s)", creator ? creator : "");
-    if (!creator || !*creator || !Module_Dir) return 0;
-    int32_t entry = Cache_Find (&Private, creator);
-    if (entry < 0) entry = Private_Read (window, settings, creator);
-    if (entry < 0 || !Private.lists[entry]) return 0;
-    const Attribute *found = Private_Find (window, Private.lists[entry], attribute);
-    return found ? Private_Apply (window, found, attribute) : 0;
-}
-
-int DICOM_Module_Read_Private (Window window, const Settings *settings, const char *creator, Attribute *attribute) {
-    Mutex_Access_Start ();
-    int applied = Read_Private (window, settings, creator, attribute);
-    Mutex_Access_Stop ();
-    return applied;
-}
-
-void DICOM_Module_Private_Free (Window window) {
-    Mutex_Access_Start ();
-    Cache_Empty (window, &Private);
-    Memory_Free (Private.names);
-    Memory_Free (Private.lists);
-    Private = {};
+    Definition_Includes_Empty (window);
     Mutex_Access_Stop ();
 }

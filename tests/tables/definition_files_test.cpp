@@ -743,7 +743,7 @@ TEST (DefinitionValue, FailureOfMemoryLeavesNoValue) {
         long live              = Memory_Live ();
         Memory_Fail_At (1);
         EXPECT_EQ (0, DICOM_Module_Value_Set (nullptr, &attribute, "12"));
-        EXPECT_EQ (1, log.Count (LOG_ERROR, "of definition_files \nmemory error in malloc (var=tag->data, dim=2x1)"));
+        EXPECT_EQ (1, log.Count (LOG_ERROR, "of definition_value \nmemory error in malloc (var=tag->data, dim=2x1)"));
         EXPECT_EQ (nullptr, attribute.data);
         EXPECT_EQ (0, attribute.length);
         EXPECT_EQ (live, Memory_Live ());

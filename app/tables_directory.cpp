@@ -1,5 +1,6 @@
-// The tables directory is made only when there is something to copy: it is what tells at the next start that the user has
-// tables. For the same reason the version comes last: a copy that was broken off looks old, and the user is told so.
+// The tables directory is what tells at the next start that the user has tables, so nothing is copied into one that exists.
+// A copy that was broken off, or found nothing to copy, must not pass as complete: the version comes last, and without one
+// the user is told at every start that the installed tables are more recent and how to get them.
 #include "app/tables_directory.h"
 
 #include <stdio.h>
@@ -86,24 +87,22 @@ static int Find_Tables (Directories *directories) {
     return directories->tables;
 }
 
-// 1, or 0 when there is nothing to copy.
-static int Copy_All (Directories *directories) {
+static void Copy_All (Directories *directories) {
     Log_Message (nullptr, LOG_REPORT, "DICOM tables do not exist in " COLOUR_BLUE "%s", directories->user);
     Log_Message (nullptr, LOG_REPORT, "copying all files from: " COLOUR_BLUE "%s", directories->installed);
     Log_Message (nullptr, LOG_REPORT, "to: " COLOUR_BLUE "%s", directories->user);
     Log_Message (nullptr, LOG_REPORT, "");
-    if (!Find_Tables (directories)) return 0;
 
     if (!Directory_Make (nullptr, directories->user)) {
         Report_Failure (WARNING_HEAD "Unable to create directory: " COLOUR_BLUE "%s", directories->user,
                         System_Last_Error ());
-        return 1;
+        return;
     }
+    if (!Find_Tables (directories)) return;
     if (!System_Directory_List (directories->installed, Copy_Listed, directories))
         Report_Failure (WARNING_HEAD "Unable to read directory: " COLOUR_BLUE "%s", directories->installed,
                         System_Last_Error ());
     if (directories->version) Copy_Table (directories, VERSION_FILE);
-    return 1;
 }
 
 // --- versions --------------------------------------------------------------
@@ -152,7 +151,6 @@ void Tables_Provide (const char *install_path) {
     if (!user) return;
     Directories directories = {installed, user, 0, 0};
 
-    // Without any tables the comparison of their versions would only repeat that there are none.
-    if (!Directory_Check (directories.user) && !Copy_All (&directories)) return;
+    if (!Directory_Check (directories.user)) Copy_All (&directories);
     Compare_Versions (&directories);
 }

@@ -108,21 +108,24 @@ TEST (TablesDirectory, ExistingTablesAreLeftAlone) {
     EXPECT_EQ ("2024 mine", Read_Whole (provided.Copies () + "version.txt"));
 }
 
-// And no directory is made, so that tables that are installed later are copied.
-TEST (TablesDirectory, NothingToCopyIsSaidOnce) {
+// The directory is made all the same, and from then on every start says how to get the tables.
+TEST (TablesDirectory, NothingToCopyIsSaidOnceAndTheVersionAtEveryStart) {
     Provided    provided;
     std::string none = "WARNING: There are no DICOM tables to copy in " + provided.Tables ();
     std::string said = provided.Run ();
     EXPECT_EQ (
         0u, said.find (provided.Copying () + provided.Warning (none) + std::to_string (LOG_WARNING) + ": \t\t[ERROR_"))
         << said;
-    EXPECT_EQ (6u, provided.log.lines.size ());
-    EXPECT_FALSE (std::filesystem::exists (provided.Copies ()));
+    EXPECT_EQ (said.size () - provided.Outdated (2004, 0).size (), said.find (provided.Outdated (2004, 0))) << said;
+    EXPECT_EQ (10u, provided.log.lines.size ());
+    EXPECT_EQ (std::set<std::string> {}, provided.Copied ());
+    EXPECT_EQ (provided.Outdated (2004, 0), provided.Run ());
 
+    // Deleting it, as the warning says, brings what is there by then.
+    std::filesystem::remove (provided.Copies ());
     provided.Install ("readme.md", "no table");
-    EXPECT_EQ (provided.Copying () + provided.Warning (none), provided.Run ());
-    EXPECT_FALSE (std::filesystem::exists (provided.Copies ()));
-
+    EXPECT_EQ (provided.Copying () + provided.Warning (none) + provided.Outdated (2004, 0), provided.Run ());
+    std::filesystem::remove (provided.Copies ());
     provided.Install ("version.txt", "2024");
     EXPECT_EQ (provided.Copying (), provided.Run ());
     EXPECT_EQ (std::set<std::string> {"version.txt"}, provided.Copied ());

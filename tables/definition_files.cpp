@@ -519,7 +519,7 @@ static int Append_Line (Reading *reading, Table *table, int depth, Attribute *ta
     int is_item = tag->group == GROUP_DELIMITER && tag->element == ELEMENT_ITEM;
     if (tag->vr == VR_SQ || is_item) tag->length = LENGTH_UNDEFINED;
     if (!Append_Counted (reading, table, tag)) return 0;
-    Count_Open (table, tag);
+    if (!Is_Full (reading)) Count_Open (table, tag);
     return 1;
 }
 

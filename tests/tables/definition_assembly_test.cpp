@@ -268,7 +268,7 @@ TEST (DefinitionAssembly, AnyTablesEndInAListOrNone) {
     };
     Dictionary_Build (nullptr);
     long live = Memory_Live ();
-    for (int round = 0; round < 400; round++) {
+    for (int round = 0; round < 150; round++) {
         Definition_Tables tables;
         Log_Recorder      log;
         for (const char *name : {"A", "B", "C", "D"}) {
@@ -311,6 +311,20 @@ TEST (DefinitionAssembly, TwentyThousandAttributesTakeLinearTime) {
         for (Attribute *one = tables.list.first->item[0]; one; one = one->next) count++;
         return count;
     }());
+}
+
+TEST (DefinitionAssembly, AttributesOfAllTablesCountTogether) {
+    Assembled   tables;
+    std::string text;
+    for (int i = 0; i < DEFINITION_RECORDS / 5; i++) text += "(0010,0020)\n";
+    tables.Module ("X", "A\nA\nA\nA\nA\nB\nB\n");
+    tables.Attributes ("A", text);
+    tables.Attributes ("B", "(0010,1002)\n(0010,2160)\n");
+    EXPECT_EQ ("(0010,0020)", tables.Assemble ());
+    EXPECT_EQ ("WARNING: reading Attribute file:DICOM_Attributes_B.txt line:1\n"
+               "\t\t Too many attributes in DICOM tables! (max=250000)\n",
+               tables.warnings)
+        << "once";
 }
 
 TEST (DefinitionAssembly, EveryFailureOfMemoryIsReportedAndLeavesNothingBehind) {

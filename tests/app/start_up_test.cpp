@@ -178,6 +178,18 @@ TEST (StartUp, ReportsFrameTheRun) {
     EXPECT_TRUE (Contains (started.Trace (), Line_Ends ("REPORT: Comparing 1 file...\n")));
 }
 
+TEST (StartUp, TraceIsBegunAnewWithTheBanner) {
+    Started     started;
+    std::string a = Example_Path ("nested_a.dcm");
+    started.scratch.Write ("Tagwright_trace.dat", std::string ("before\n"));
+    started.Run ({"-t", "1", a.c_str (), a.c_str ()});
+    std::string trace = started.Trace ();
+    EXPECT_EQ (0u, trace.find ("TRACE:   ==== ==== Tagwright 2.1 rev-2 ==== (")) << trace.substr (0, 200);
+    EXPECT_TRUE (Contains (trace, Line_Ends ("TRACE:   Prog_ID:      TAGWRIGHT 21000020\n"
+                                             "TRACE:   Prog_Date:    15/06/2016\n")))
+        << trace.substr (0, 400);
+}
+
 // Neither beside the test's program nor in the user's directory; the comparison of two files needs none.
 TEST (StartUp, MissingTablesAreReportedAndTheRunGoesOn) {
     Started started;
@@ -347,8 +359,9 @@ TEST (Program, TraceIsWritten) {
     Program_Result      result = Program_Run_Built (directory, "-t 3 " + Quoted (a) + " " + Quoted (b));
     EXPECT_EQ (12, result.status);
     EXPECT_TRUE (Contains (result.audit, "Found 12 differences"));
-    std::string trace = Read_Whole (Scratch_File ("Tagwright_trace.dat"));
-    EXPECT_EQ (0u, trace.find ("TRACE:   ==== ==== Tagwright 2.1 rev-2 ==== (")) << trace.substr (0, 200);
+    std::string trace = Read_Whole (Program_Scratch (directory) + "Tagwright_trace.dat");
+    EXPECT_EQ (0u, result.output.find ("TRACE:   ==== ==== Tagwright 2.1 rev-2 ==== ("))
+        << result.output.substr (0, 200);
     EXPECT_TRUE (Contains (trace, Line_Ends ("REPORT: Comparing 2 files...\n")));
     EXPECT_TRUE (Contains (trace, "Stool DICOM File A"));
     EXPECT_TRUE (Contains (trace, "Stool original DICOM File"));
@@ -360,7 +373,7 @@ TEST (Program, TraceIsWritten) {
 TEST (Program, UserDirectoryIsMade) {
     Temporary_Directory directory;
     std::string         a = Quoted (Example_Path ("nested_a.dcm"));
-    EXPECT_EQ (0, Program_Run_Built (directory, a + " " + a).status);
+    EXPECT_EQ (0, Program_Run_Copy (Program_Built (), directory, a + " " + a).status);
     EXPECT_EQ (1, System_Is_Directory (directory.File ("Kestrelbay").c_str ()));
 }
 
@@ -380,6 +393,21 @@ struct User {
     }
     std::string Log (const std::string &name) const { return Read_Whole (scratch.File (name)); }
 };
+
+// The audit file has a name of its own, since any run of the same user may write into that directory.
+TEST (Program, WithoutAScratchLineTheDefaultDirectoryIsUsed) {
+    Temporary_Directory directory;
+    std::string name = std::filesystem::path (directory.File ("")).parent_path ().filename ().string () + ".txt";
+    std::filesystem::create_directories (directory.File ("Kestrelbay"));
+    directory.Write (std::string ("Kestrelbay") + System_Separator () + "Tagwright.ini", "audit = " + name + "\n");
+    EXPECT_EQ (
+        12, Program_Run_Built (directory, Quoted (Example_Path ("ct_a.dcm")) + " " + Quoted (Example_Path ("ct_b.dcm")))
+                .status);
+    char scratch[SYSTEM_PATH_SIZE];
+    ASSERT_EQ (1, System_Scratch_Path (scratch, sizeof scratch));
+    EXPECT_TRUE (Contains (Read_Whole (scratch + name), Line_Ends ("\nFound 12 differences\n"))) << scratch << name;
+    std::filesystem::remove (scratch + name);
+}
 
 // (0008,1155) and (0008,1150) differ in items of (0008,1140), (0010,1010) and (0010,4000) at the top.
 TEST (Program, SkippedTagsAreLeftOutAlsoInSequences) {
@@ -437,6 +465,18 @@ TEST (Program, ConfigurationSetsTraceAndAuditFile) {
     EXPECT_TRUE (Contains (trace, Line_Ends ("TRACE:   ==> 12 dif\n")));
     EXPECT_FALSE (Contains (trace, "Prog_ID:"));
     EXPECT_TRUE (Contains (result.output, "TRACE:   ==> 12 dif \n"));
+}
+
+// What comes before the line that names another directory is in the default one, and there alone a trace is begun anew.
+TEST (Program, TraceGoesOnInTheConfiguredDirectory) {
+    User user;
+    user.scratch.Write ("Tagwright_trace.dat", std::string ("before\n"));
+    user.Configure ("");
+    EXPECT_EQ (12, user.Compare ("ct_a.dcm", "ct_b.dcm", "-t 1 ").status);
+    std::string trace = user.Log ("Tagwright_trace.dat");
+    EXPECT_EQ (0u, trace.find ("before\n"));
+    EXPECT_FALSE (Contains (trace, "Prog_ID:"));
+    EXPECT_TRUE (Contains (trace, Line_Ends ("TRACE:   ==> 12 dif\n"))) << trace;
 }
 
 TEST (Program, CommandLineLevelIsNotLowered) {

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
+#include <fstream>
 
 #include "platform/system.h"
 
@@ -10,9 +11,8 @@ static bool Is_Windows () { return System_Separator () == '\\'; }
 
 std::string Quoted (const std::string &name) { return Is_Windows () ? "\"" + name + "\"" : "'" + name + "'"; }
 
-std::string Scratch_File (const std::string &name) {
-    char scratch[SYSTEM_PATH_SIZE];
-    return System_Scratch_Path (scratch, sizeof scratch) ? scratch + name : name;
+std::string Program_Scratch (const Temporary_Directory &directory) {
+    return directory.File ("scratch") + System_Separator ();
 }
 
 std::string Audit_Name () {
@@ -30,6 +30,12 @@ static std::string Without_Returns (std::string text) {
 std::string Program_Built () { return std::filesystem::absolute (TAGWRIGHT_PROGRAM).make_preferred ().string (); }
 
 Program_Result Program_Run_Built (const Temporary_Directory &directory, const std::string &arguments) {
+    std::string folder        = directory.File ("Kestrelbay") + System_Separator ();
+    std::string configuration = folder + "Tagwright.ini";
+    if (!std::filesystem::exists (configuration)) {
+        std::filesystem::create_directories (folder);
+        std::ofstream (configuration) << "scratch = " << Program_Scratch (directory) << '\n';
+    }
     return Program_Run_Copy (Program_Built (), directory, arguments);
 }
 
@@ -37,7 +43,7 @@ Program_Result Program_Run_Copy (const std::string &program, const Temporary_Dir
                                  const std::string &arguments) {
     std::string output = directory.File ("output.txt"), errors = directory.File ("errors.txt");
     std::string command = Quoted (program) + " " + arguments + " > " + Quoted (output) + " 2> " + Quoted (errors);
-    std::string audit   = Scratch_File (Audit_Name ());
+    std::string audit   = Program_Scratch (directory) + Audit_Name ();
     size_t      before  = Read_Whole (audit).size ();
 
     // The status that std::system gives is the program's on Windows and a coded one on Linux.

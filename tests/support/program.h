@@ -9,19 +9,21 @@ struct Program_Result {
     int         status;
     std::string output; // Standard output and standard error, with line feeds as line ends.
     std::string errors;
-    std::string audit; // What the audit file received meanwhile, as it stands in the file.
+    std::string audit; // What the audit file in Program_Scratch received meanwhile, as it stands in the file.
 };
 
-// The user's own directory is looked for in the test's one; arguments are written as the interpreter wants them.
+// The user's own directory is looked for in the test's one; arguments are written as the interpreter wants them. Where the
+// test has no configuration file there, one is written that names Program_Scratch: the default scratch directory belongs
+// to the user, whose other runs write there at the same time.
 Program_Result Program_Run_Built (const Temporary_Directory &directory, const std::string &arguments);
 
-// The same with a copy of the program, which has other data beside it.
+// The same with a copy of the program, which has other data beside it, and with no configuration written.
 Program_Result Program_Run_Copy (const std::string &program, const Temporary_Directory &directory,
                                  const std::string &arguments);
 std::string    Program_Built (); // The name of the built one.
 
 std::string Quoted (const std::string &name); // For an argument with blanks.
 
-// A file in the default scratch directory, and the name of today's audit file.
-std::string Scratch_File (const std::string &name);
+// The scratch directory of Program_Run_Built, with its separator, and the name of today's audit file.
+std::string Program_Scratch (const Temporary_Directory &directory);
 std::string Audit_Name ();

@@ -254,6 +254,29 @@ TEST (NemaTagAttribute, FindOrInsertWalksAnUnorderedListFromItsStart) {
     EXPECT_EQ (early, Get (&list, 0x0010, 0x0010));
 }
 
+TEST (NemaTagAttribute, AnUnorderedListStaysSoWhateverBecomesItsFirstRecord) {
+    Test_List  list;
+    list.Add (0x0008, 0x0016);
+    Attribute *high = list.Add (0x0030, 0x0010);
+    Attribute *low  = list.Add (0x0010, 0x0010);
+    DICOM_Attribute_Delete (nullptr, &list.cursor, &list.first, 0x0008, 0x0016);
+    EXPECT_EQ (high, list.first);
+    EXPECT_EQ (low, Get (&list, 0x0010, 0x0010));
+    EXPECT_EQ (list.first, Find (&list, 0x0008, 0x0018));
+    EXPECT_EQ ("(0008,0018) (0030,0010) (0010,0010)", Outline (list.first));
+    EXPECT_EQ (low, Get (&list, 0x0010, 0x0010));
+}
+
+TEST (NemaTagAttribute, OfEqualTagsTheFirstIsFoundAfterASecondWasInserted) {
+    Test_List  list;
+    Attribute *first = list.Add (0x0030, 0x0010);
+    list.Add (0x0020, 0x0010);
+    list.Add (0x0050, 0x0010);
+    EXPECT_NE (first, Find (&list, 0x0030, 0x0010));    // The walk ends behind (0020,0010).
+    EXPECT_EQ ("(0030,0010) (0020,0010) (0030,0010) (0050,0010)", Outline (list.first));
+    EXPECT_EQ (first, Get (&list, 0x0030, 0x0010));
+}
+
 TEST (NemaTagAttribute, FindOrInsertRecordsTheTagOnTheCursor) {
     Test_List list;
     DICOM_Attribute_Sequence_Set (nullptr, &list.cursor, 0, 1, 1, 1);
@@ -332,6 +355,30 @@ TEST (NemaTagAttribute, DeletingTheFirstKeepsLastValid) {
     EXPECT_EQ (nullptr, Get (&list, 0x0020, 0x0010));
     list.Add (0x0030, 0x0010);
     EXPECT_EQ ("(0010,0010) (0030,0010)", Outline (list.first));
+}
+
+// A search must not go on from a record that is gone: the sanitizers see it.
+TEST (NemaTagAttribute, DeletingTheRecordThatWasFoundLastForgetsIt) {
+    Test_List list;
+    for (uint16_t element : {uint16_t (0x0010), uint16_t (0x0020), uint16_t (0x0030)}) list.Add (0x0010, element);
+    EXPECT_NE (nullptr, Get (&list, 0x0010, 0x0020));
+    DICOM_Attribute_Delete (nullptr, &list.cursor, &list.first, 0x0010, 0x0020);
+    EXPECT_EQ (nullptr, list.first->seek);
+    EXPECT_EQ (nullptr, Get (&list, 0x0010, 0x0020));
+    EXPECT_NE (nullptr, Get (&list, 0x0010, 0x0030));
+}
+
+TEST (NemaTagAttribute, DeletingStopsAtTheFirstEmptyItem) {
+    Test_List list;
+    list.Add (0x0040, 0xA730, "SQ");
+    list.Open (0x0040, 0xA730);
+    for (int i = 0; i < 3; i++) {
+        list.Item ();
+        if (i != 1) list.Add (0x0008, 0x0100);
+    }
+    list.Reset ();
+    EXPECT_EQ (1, DICOM_Attribute_Delete (nullptr, &list.cursor, &list.first, 0x0008, 0x0100));
+    EXPECT_EQ ("(0040,A730)[][][(0008,0100)]", Outline (list.first));
 }
 
 TEST (NemaTagAttribute, ItemsBehindAnEmptySlotAreReleasedToo) {

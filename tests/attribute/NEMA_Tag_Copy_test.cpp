@@ -4,6 +4,7 @@
 
 #include "attribute/NEMA_Tag_Attribute.h"
 #include "attribute/value.h"
+#include "tables/data_dictionary.h"
 #include "tests/support/lists.h"
 #include "tests/support/log_recorder.h"
 
@@ -64,6 +65,8 @@ TEST (NemaTagCopy, ZeroFieldsOfTheSourceLeaveTheTarget) {
     target->pos_data  = 8;
     target->diff_a    = 9;
     target->diff_b    = 10;
+    Dictionary_Entry known = {};
+    target->definition     = &known;
     Attribute source  = Record (0x0010, 0x0010, "", "", 0);
     ASSERT_EQ (1, Copy_Onto (&list, target, &source));
     EXPECT_EQ (MODE_BIG_ENDIAN, target->mode);
@@ -74,6 +77,7 @@ TEST (NemaTagCopy, ZeroFieldsOfTheSourceLeaveTheTarget) {
     EXPECT_EQ (8u, target->pos_data);
     EXPECT_EQ (9, target->diff_a);
     EXPECT_EQ (10, target->diff_b);
+    EXPECT_EQ (&known, target->definition);
 }
 
 TEST (NemaTagCopy, AnUnknownVrBecomesUn) {
@@ -298,7 +302,10 @@ TEST (NemaTagCopy, AnAppendingSourceAddsItsItemsBehind) {
     Fill_Items (&source, 2, "B ");
     source.first->flags |= APPEND;
     Fill_Items (&target, 1, "A ");
+    Log_Recorder log (5);
     ASSERT_EQ (1, Copy_List (&target, &source));
+    EXPECT_EQ (3, log.Count (LOG_TRACE5, "-> root->Item_Number[1] = "));    // Each start has its stop.
+    EXPECT_EQ (3, log.Count (LOG_TRACE5, "-> Item_Number[1] = 3") + log.Count (LOG_TRACE5, "-> Item_Number[1] = 2"));
     ASSERT_EQ (3, target.first->nb_item);
     EXPECT_EQ ("A ", Value (target.first->item[0]));
     EXPECT_EQ ("B ", Value (target.first->item[1]));

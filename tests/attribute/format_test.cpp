@@ -354,18 +354,48 @@ TEST (Format, ItemsAndDelimitersNeverOpenASequence) {
 }
 
 TEST (Format, AFreshDepthForgetsTheEndsOfAnOlderSequence) {
-    Flat       flat;
-    Attribute *first = flat.Length (0, 0x0008, 0x1140, "SQ");
-    Attribute *item  = flat.Item (0);
+    for (int reach : {26, 1000}) {      // Up to an attribute of what follows, and behind all of it.
+        Flat       flat;
+        Attribute *first = flat.Length (0, 0x0008, 0x1140, "SQ");
+        Attribute *item  = flat.Item (0);
+        flat.Add (0x0008, 0x1150, "UI", "A ");
+        first->length = static_cast<int32_t> (flat.position - first->pos_data);
+        item->length  = reach;
+        flat.Length (-1, 0x0008, 0x1199, "SQ");
+        flat.Item ();
+        flat.Add (0x0008, 0x1150, "UI", "A ");
+        flat.Item_End ();
+        flat.Sequence_End ();
+        Log_Recorder log (4);
+        EXPECT_EQ ("(0008,1140)[(0008,1150)] (0008,1199)[(0008,1150)]", Nested (&flat).Plain ());
+        EXPECT_EQ (0, log.Count (LOG_TRACE4, "\"Stop of Item\" from size")) << reach;
+    }
+}
+
+TEST (Format, TheEndOfAnItemIsFoundOnce) {
+    Flat flat;
+    flat.Length (-1, 0x0008, 0x1140, "SQ");
+    flat.Item (0);
     flat.Add (0x0008, 0x1150, "UI", "A ");
-    first->length = static_cast<int32_t> (flat.position - first->pos_data);
-    item->length  = 1000;       // reaches into what follows
-    flat.Length (-1, 0x0008, 0x1199, "SQ");
-    flat.Item ();
-    flat.Add (0x0008, 0x1150, "UI", "A ");
-    flat.Item_End ();
+    flat.Add (0x0008, 0x1155, "UI", "A ");
     flat.Sequence_End ();
-    EXPECT_EQ ("(0008,1140)[(0008,1150)] (0008,1199)[(0008,1150)]", Nested (&flat).Plain ());
+    Log_Recorder log (4);
+    EXPECT_EQ ("(0008,1140)[(0008,1150) (0008,1155)]", Nested (&flat).Plain ());
+    EXPECT_EQ (1, log.Count (LOG_TRACE4, "\"Stop of Item\" from size"));
+}
+
+TEST (Format, AnItemEndsWithTheSequenceInItThatReachesItsEnd) {
+    Flat flat;
+    flat.Length (-1, 0x0008, 0x1140, "SQ");
+    Attribute *item = flat.Item (0);
+    flat.Length (-1, 0x0040, 0xA170, "SQ");
+    flat.Item ();
+    item->length = static_cast<int32_t> (flat.position - item->pos_data);
+    flat.Sequence_End ();
+    Log_Recorder log (4);
+    Nested       nested (&flat);
+    ASSERT_FALSE (log.lines.empty ());
+    EXPECT_EQ ("\"Stop of Item\" from size", log.lines.back ().text);
 }
 
 // --- marks -----------------------------------------------------------------
@@ -558,6 +588,7 @@ TEST (FormatVrCheck, TextsAreGuessedFromTheirCharacters) {
         {"12345678901\\1", "IS"},
         {"3.5E2 ", "DS"},
         {"3.5e-2", "DS"},
+        {"3.5/2 ", "DS"},
         {"AXIAL ", "CS"},
         {"A_B 1/2\\X", "CS"},
         {"ABCDEFGHIJKLMNOP", "CS"},
@@ -566,6 +597,8 @@ TEST (FormatVrCheck, TextsAreGuessedFromTheirCharacters) {
         {"Axial\\Coronal ", "SH"},
         {"AXIAL" + nul, "CS"},
         {"Axial is the name\\b ", "ST"},
+        {"abcdefghijklmno\\b ", "SH"},                      // 16 with the backslash
+        {"abcdefghijklmnop\\b", "ST"},
         {"12" + nul + nul, "SL"},                           // two zeros: no text, a number of four bytes
     };
     for (const Guess_Case &one : cases) Expect_Guess (one, 0x0019, 0x1001);

@@ -43,6 +43,15 @@ TEST (SequenceCursor, TheTenthStartWarnsAndStaysAtNine) {
     EXPECT_TRUE (log.Has (LOG_WARNING, "    \xF1\x05WARNING:\x02 To many \"sequences\" in DICOM stream"));
 }
 
+TEST (SequenceCursor, AStartAtTheLastDepthCountsItsItemsAnew) {
+    SequenceCursor cursor = {};
+    for (int i = 0; i < 9; i++) DICOM_Attribute_Sequence_Start (nullptr, &cursor, 0x0040, 0xA730, 0, 0);
+    DICOM_Attribute_Item_Start (nullptr, &cursor, 0);
+    EXPECT_EQ (0, DICOM_Attribute_Sequence_End (nullptr, &cursor, 9));
+    DICOM_Attribute_Sequence_Start (nullptr, &cursor, 0x0040, 0xA730, 0, 0);
+    EXPECT_EQ (-1, DICOM_Attribute_Sequence_End (nullptr, &cursor, 9));
+}
+
 TEST (SequenceCursor, AStopTooManyWarnsWithTheTagOfTheTop) {
     Log_Recorder   log;
     SequenceCursor cursor = {};
@@ -57,7 +66,8 @@ TEST (SequenceCursor, WithoutSettingsItIsSilent) {
     Log_Recorder   log;
     SequenceCursor cursor = {};
     DICOM_Attribute_Sequence_Stop (nullptr, &cursor, 0);
-    EXPECT_EQ (0, log.Count (LOG_WARNING));
+    for (int i = 0; i < 10; i++) DICOM_Attribute_Sequence_Start (nullptr, &cursor, 0x0040, 0xA730, 0, 0);
+    EXPECT_EQ (0u, log.lines.size ());
     EXPECT_EQ (0, Sequence_Kind_Note (&cursor));
     cursor.settings = &warning_settings;
     EXPECT_EQ (LOG_REPORT, Sequence_Kind_Note (&cursor));

@@ -636,6 +636,15 @@ TEST_P (NemaReadValueFrom, ValueBeyondTheEndIsReported) {
     }
 }
 
+TEST_P (NemaReadValueFrom, ValueBeyondTheEndAsksForNoMemory) {
+    attribute.length = INT32_MAX;
+    Memory_Fail_At (1 + (GetParam () == NEMA_FILE)); // Behind the buffer of an open file.
+    Expect_None ();
+    EXPECT_EQ (Memory_Failed (), 0);
+    Memory_Fail_At (0);
+    EXPECT_EQ (log.Count (LOG_ERROR), 0);
+}
+
 TEST_P (NemaReadValueFrom, FailedMemoryIsReported) {
     long of_file = GetParam () == NEMA_FILE; // An open file has a buffer.
     Memory_Fail_At (1 + of_file);

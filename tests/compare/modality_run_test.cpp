@@ -40,6 +40,7 @@ struct Modality_Run {
     }
     ~Modality_Run () {
         Comparison_Free (nullptr);
+        DICOM_Module_Free (nullptr);
         DICOM_Module_Private_Free (nullptr);
         NEMA_Value_Rings_Free ();
         DICOM_Module_Dir_Set ("");

@@ -596,6 +596,21 @@ TEST (FileReader, LengthBeyondTheEndIsCut) {
                                        "100\x02)!"));
 }
 
+TEST (FileReader, WithoutKindsNothingIsSaidAboutElements) {
+    Reader       reader;
+    Log_Recorder log;
+    Stream       stream          = Small_File ();
+    reader.settings.kind_warning = 0;
+    reader.settings.kind_note    = 0;
+    Stream_Add_Text (&stream, 0x0029, 0x0010, "LO", "PRIVATE");
+    Stream_Add_Length (&stream, 0x0032, 0x4000, "LT", 100, "only this");
+    reader.Elements (stream.bytes);
+    ASSERT_EQ (6, reader.Count ());
+    EXPECT_TRUE (reader.At (5)->flags & SYNTAX_ERROR);
+    EXPECT_EQ (0, log.Count (LOG_WARNING)) << log.All ();
+    EXPECT_EQ (0, log.Count (LOG_REPORT)) << log.All ();
+}
+
 TEST (FileReader, LengthUpToTheEndIsNotCut) {
     Reader       reader;
     Log_Recorder log;

@@ -11,6 +11,7 @@ cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTAGWRIGHT_TES
   cmake --build "$build" --target tagwright make_pairs assemble >>"$log" 2>&1 || { cat "$log"; exit 1; }
 files=${1:-$root/build/bench}
 mkdir -p "$files"
+export APPDATA=$build/user          # The first of the runs copies the definition tables there.
 
 pair() {    # pair KIND NUMBER: writes the pair once
   [ -f "$files/$1_$2_b.dcm" ] || "$build/bench/make_pairs" "$files" "$1" "$2"

@@ -57,7 +57,9 @@ static void Copy_Table (const Directories *directories, const char *name) {
     snprintf (from, sizeof from, "%s%s", directories->installed, name);
     snprintf (to, sizeof to, "%s%s", directories->user, name);
     if (System_File_Copy (from, to)) return;
-    Report_Failure (WARNING_HEAD "Unable to copy file: " COLOUR_BLUE "%s", from, System_Last_Error ());
+    unsigned error = System_Last_Error ();
+    if (System_File_Exists (to)) return; // Of another program that started at the same time.
+    Report_Failure (WARNING_HEAD "Unable to copy file: " COLOUR_BLUE "%s", from, error);
 }
 
 static int Is_Version (const char *name) { return !strcmp (name, VERSION_FILE); }

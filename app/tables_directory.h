@@ -1,5 +1,5 @@
-// The user's own definition tables: copied from the installed ones at the first start, then theirs to edit. Nothing is ever
-// copied over them; that the installed ones are of a later edition is only told.
+// The user's own definition tables: copied from the installed ones at the first start, then theirs to edit. Nothing
+// is ever copied over them; that the installed ones are of a later edition is only told.
 #pragma once
 
 #define TABLES_DIRECTORY "DICOM Tables"

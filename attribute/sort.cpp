@@ -1,17 +1,17 @@
-// Sorting is described as bubble passes: neighbours are compared and exchanged, pass after pass, until a pass exchanges
-// nothing. Each comparison of two definitions of one tag merges their marks, and warns when both override, so how often and
-// in which order they are compared can be seen from outside. The passes cost quadratic time; this source finds out what they
-// would do:
+// To whoever looks on, sorting is bubble passes: neighbours are compared and exchanged, pass after pass, until a pass
+// exchanges nothing. Each comparison of two definitions of one tag merges their marks, and warns when both override,
+// so how often and in which order they are compared can be seen from outside. The passes cost quadratic time; this
+// source finds out what they would do:
 //
-// - A pass carries the largest record met so far to the right and compares it with every record that follows. So two records
-//   of one tag are compared only when no record with a larger tag stands before the second.
-// - A record behind n records with larger tags loses one of them in each pass: from pass n on (the first is 0) it is compared
-//   with the definition of its tag that stands before it.
-// - What decides about an exchange is never changed by a merge, so the final order is that of a stable sort, and the number
-//   of passes is one more than the greatest number of records that any record has to be moved in front of.
+// - A pass carries the largest record met so far to the right and compares it with every record that follows. So two
+//   records of one tag are compared only when no record with a larger tag stands before the second.
+// - A record behind n records with larger tags loses one of them in each pass: from pass n on (the first is 0) it is
+//   compared with the definition of its tag that stands before it.
+// - What decides about an exchange is never changed by a merge, so the final order is that of a stable sort, and the
+//   number of passes is one more than the greatest number of records that any record has to be moved in front of.
 //
-// So a stable merge sort counts the larger tags before each record, and the passes are then made over the definitions of each
-// tag only, over as many of them as take part in the pass. Within a pass tags are met in ascending order.
+// So a stable merge sort counts the larger tags before each record, and the passes are then made over the definitions
+// of each tag only, over as many of them as take part in the pass. Within a pass tags are met in ascending order.
 #include "attribute/sort.h"
 
 #include "attribute/NEMA_Tag_Attribute.h"
@@ -211,8 +211,8 @@ static void Merge_Aloud (Window window, const SequenceCursor *cursor, Definition
     }
 }
 
-// Everything that the passes do to the records beside bringing the tags into order. loud has room for every tag with two
-// definitions.
+// Everything that the passes do to the records beside bringing the tags into order. loud has room for every tag with
+// two definitions.
 static void Merge_Definitions (Window window, const SequenceCursor *cursor, Sort_Node *nodes, Sort_Node *room,
                                int32_t count, Definitions *loud) {
     Sort_Node *end    = nodes + count;

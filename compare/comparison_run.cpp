@@ -1,6 +1,6 @@
-// The run is a row of phases: names, both sides, definitions, listings, merge, walk, release, result. Which walk runs is decided by
-// the names given: a file that was named but can't be read makes every attribute of the other one absent, it doesn't turn
-// a comparison of two files into one with a definition.
+// The run is a row of phases: names, both sides, definitions, listings, merge, walk, release, result. Which walk runs
+// is decided by the names given: a file that was named but can't be read makes every attribute of the other one
+// absent, it doesn't turn a comparison of two files into one with a definition.
 #include "compare/comparison_run.h"
 
 #include "attribute/NEMA_Tag_Attribute.h"

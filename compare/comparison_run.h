@@ -21,8 +21,8 @@ int Comparison_Start (Window window, const Settings *settings, const char *name_
 // The run without the lines around it. The number of differences, 0 on a memory failure.
 int Comparison_Run (Window window, const Settings *settings, const char *name_a, const char *name_b, int batch);
 
-// The definition for a file's list, which gives the list's attributes their types and missing VRs. Owned by the cache of
-// tables/modality.h. None after a warning.
+// The definition for a file's list, which gives the list's attributes their types and missing VRs. Owned by the cache
+// of tables/modality.h. None after a warning.
 Attribute *Definition_Read_List (Window window, SequenceCursor *cursor, Attribute *list);
 
 void Comparison_Free (Window window);   // Releases what the last run left.

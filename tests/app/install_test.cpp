@@ -1,5 +1,5 @@
-// A program with data beside it, as it is installed: a copy of the built one. Where the data of an installed program stand is
-// the registry's matter on Windows, so this is a test for Linux.
+// A program with data beside it, as it is installed: a copy of the built one. Where the data of an installed program
+// stand is the registry's matter on Windows, so this is a test for Linux.
 #include <gtest/gtest.h>
 
 #include <filesystem>

@@ -1,6 +1,7 @@
 #include "app/tables_directory.h"
 
 #include <gtest/gtest.h>
+#include <string.h>
 
 #include <filesystem>
 #include <set>
@@ -142,6 +143,31 @@ TEST (TablesDirectory, DirectoryThatCannotBeMadeIsReported) {
         << said;
     EXPECT_TRUE (provided.log.Contains ("(version 2024/vs/0)")); // There is none to compare with.
     EXPECT_EQ ("a file in its place", Read_Whole (provided.user.File ("DICOM Tables")));
+}
+
+static const Provided *raced;
+static std::string     race_heard;
+
+// Another program comes in between: it makes the directory and the first table.
+static int Race (Window, int kind, const char *text) {
+    if (kind == LOG_WARNING) race_heard += text;
+    if (strncmp (text, "to: ", 4)) return 1;
+    std::filesystem::create_directories (raced->Copies ());
+    raced->user.Write (Directory ("DICOM Tables") + "DICOM_Module_CT_Image.txt", std::string ("theirs"));
+    return 1;
+}
+
+TEST (TablesDirectory, CopiesOfAnotherProgramAreKept) {
+    Provided provided;
+    provided.Install ("DICOM_Module_CT_Image.txt", "ours");
+    provided.Install ("DICOM_Module_MR_Image.txt", "ours");
+    raced = &provided;
+    race_heard.clear ();
+    Log_Sink_Set (Race);
+    Tables_Provide (provided.install.path.c_str ());
+    EXPECT_EQ ("theirs", Read_Whole (provided.Copies () + "DICOM_Module_CT_Image.txt"));
+    EXPECT_EQ ("ours", Read_Whole (provided.Copies () + "DICOM_Module_MR_Image.txt"));
+    EXPECT_EQ (std::string::npos, race_heard.find ("Unable")) << race_heard;
 }
 
 TEST (TablesDirectory, NoInstallPathAndNoDirectory) {

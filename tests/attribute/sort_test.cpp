@@ -258,7 +258,7 @@ TEST (Sort, ASortedListForgetsItsEnd) {
     EXPECT_EQ (nullptr, list.first->seek);
 }
 
-// --- the described passes, to the letter -----------------------------------
+// --- the passes, to the letter ---------------------------------------------
 
 static int Literal_Swap (std::vector<std::string> *warnings, Attribute *a, Attribute *b) {
     if (a->group > b->group) return 1;

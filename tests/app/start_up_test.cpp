@@ -47,12 +47,6 @@ static std::string Tables_Below (const Temporary_Directory &user) {
     return user.File (std::string ("Kestrelbay") + System_Separator () + "DICOM Tables" + System_Separator ());
 }
 
-// Tables that are the newest, so that there is nothing to copy or to warn about.
-static void Write_Tables (const Temporary_Directory &user) {
-    std::filesystem::create_directories (Tables_Below (user));
-    user.Write (Tables_Below (user).substr (user.path.size ()) + "version.txt", std::string ("9999"));
-}
-
 // A user with a directory of its own for the time of a test.
 struct User_Data {
     Temporary_Directory directory;
@@ -60,7 +54,7 @@ struct User_Data {
 
     User_Data () {
         Environment_Set ("APPDATA", directory.path);
-        Write_Tables (directory);
+        Write_User_Tables (directory);
     }
     ~User_Data () { Environment_Set ("APPDATA", before); }
 };
@@ -451,7 +445,6 @@ TEST (Program, DeepAttributeIsSkipped) {
 // Nothing opens a console or starts the trace file anew: a level from the file only adds to it.
 TEST (Program, ConfigurationSetsTraceAndAuditFile) {
     User user;
-    Write_Tables (user.directory);
     user.scratch.Write ("Tagwright_trace.dat", std::string ("before\n"));
     user.Configure ("audit = found.txt\ntrace = 1\nwrong = 1\n");
     Program_Result result = user.Compare ("ct_a.dcm", "ct_b.dcm");

@@ -29,6 +29,12 @@ static std::string Without_Returns (std::string text) {
 
 std::string Program_Built () { return std::filesystem::absolute (TAGWRIGHT_PROGRAM).make_preferred ().string (); }
 
+void Write_User_Tables (const Temporary_Directory &directory) {
+    std::filesystem::path tables = std::filesystem::path ("Kestrelbay") / "DICOM Tables";
+    std::filesystem::create_directories (directory.path / tables);
+    directory.Write ((tables / "version.txt").string (), std::string ("9999"));
+}
+
 Program_Result Program_Run_Built (const Temporary_Directory &directory, const std::string &arguments) {
     std::string folder        = directory.File ("Kestrelbay") + System_Separator ();
     std::string configuration = folder + "Tagwright.ini";
@@ -36,6 +42,7 @@ Program_Result Program_Run_Built (const Temporary_Directory &directory, const st
         std::filesystem::create_directories (folder);
         std::ofstream (configuration) << "scratch = " << Program_Scratch (directory) << '\n';
     }
+    Write_User_Tables (directory);
     return Program_Run_Copy (Program_Built (), directory, arguments);
 }
 

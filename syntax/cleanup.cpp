@@ -241,7 +241,11 @@ static int Integers_From (Syntax_Run *run, Attribute *attribute, char *float_str
 }
 
 int DICOM_Tag_Cleanup_Int (Syntax_Run *run, Attribute *attribute) {
-    int32_t length    = Syntax_Text_Length (attribute);
+    int32_t length = Syntax_Text_Length (attribute);
+    if (Count_Pieces (Syntax_Text (attribute), length) > INT32_MAX / (INTEGER_LENGTH + 1)) {
+        Syntax_Warn (run, attribute, "Invalid data! Expecting VR=IS but got VR=DS");
+        return 0; // The integers, a digit for each empty piece too, could be more bytes than a value holds.
+    }
     size_t  size      = static_cast<size_t> (length) + 1;
     char   *float_str = static_cast<char *> (Memory_Malloc (run->window, HERE ("float_str", size, 1), size));
     if (!float_str) return CLEANUP_MEMORY;
@@ -327,9 +331,10 @@ static int32_t Clean_Date (Syntax_Run *run, Attribute *attribute) {
 }
 
 static int32_t Clean_Integer (Syntax_Run *run, Attribute *attribute) {
-    if (memchr (attribute->data, '.', static_cast<size_t> (attribute->length)) &&
-        DICOM_Tag_Cleanup_Int (run, attribute) == CLEANUP_MEMORY)
-        return CLEANUP_MEMORY;
+    if (memchr (attribute->data, '.', static_cast<size_t> (attribute->length))) {
+        int converted = DICOM_Tag_Cleanup_Int (run, attribute);
+        if (converted != 1) return converted;
+    }
     if (!Clean_Characters (run, attribute)) return CLEANUP_MEMORY;
     return DICOM_Tag_Cleanup_Valid_Int (run, attribute) ? Clean_Pieces (run, attribute) : 0;
 }

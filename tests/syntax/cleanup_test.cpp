@@ -1,8 +1,10 @@
 #include "syntax/cleanup.h"
 
-#include <gtest/gtest.h>
+#include <string.h>
 
 #include <random>
+
+#include <gtest/gtest.h>
 
 #include "attribute/value.h"
 #include "tables/data_dictionary.h"
@@ -194,6 +196,22 @@ TEST (Cleanup, DecimalTextsBecomeIntegers) {
          "W: Value out of range (92233720368 \\vs\\ -2**31 to 2**31 - 1)\n"},
     };
     for (const Clean_Case &one : cases) Expect_Clean (one);
+}
+
+// Each empty piece would become a digit: more bytes than the length of a value can say.
+TEST (Cleanup, MoreDecimalTextsThanAValueHoldsAreDiscarded) {
+    static const int32_t LENGTH = INT32_MAX / 13 + 1;
+    Log_Recorder         log;
+    Attribute            attribute = Record (0x0018, 0x0022, "IS", "");
+    ASSERT_TRUE (Value_New (nullptr, {0, "", "", 0, 0}, &attribute, LENGTH));
+    memset (attribute.data, '\\', LENGTH);
+    attribute.data[0] = '.';
+    attribute.length  = LENGTH;
+    EXPECT_EQ (0, DICOM_Attribute_Cleanup_Tag (nullptr, &warning_settings, &attribute));
+    EXPECT_EQ (DISCARDED, Value (&attribute));
+    EXPECT_EQ (0, attribute.length);
+    EXPECT_EQ ("W: Invalid data! Expecting VR=IS but got VR=DS\n", Findings (log));
+    Value_Release (&attribute);
 }
 
 TEST (Cleanup, IntegersOutOfRangeAreDiscarded) {

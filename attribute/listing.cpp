@@ -166,7 +166,7 @@ const char *DICOM_Attribute_Data_Text (Window, Attribute *attribute, char *buffe
         Append (&out, "---- Sequence in ----------------");
         return out.text;
     }
-    if (attribute->length < 1) {
+    if (attribute->length < (attribute->data ? 0 : 1)) {
         if (vr != VR_SQ) return nullptr;
         Append (&out, "(sequence)");
         return out.text;

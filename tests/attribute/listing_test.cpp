@@ -251,9 +251,15 @@ TEST (ListingDataText, NothingIsShownOfNothing) {
         }
 }
 
+// A value that cleaning has emptied is there, unlike one that was discarded.
+TEST (ListingDataText, EmptiedValueIsAnEmptyText) {
+    for (const char *vr : {"OB", "OW", "LO", "UI", "US", "FD", "TM", ""}) EXPECT_EQ ("", Text_Of (vr, "")) << vr;
+    EXPECT_EQ ("(VR=UN Unknown) ", Text_Of ("UN", ""));
+}
+
 TEST (ListingDataText, LengthWithoutBytesIsNotRead) {
     for (const char *vr : {"OB", "LO", "UI", "UN", "US", "FD", ""})
-        for (int32_t length : {0, -1, std::numeric_limits<int32_t>::min ()}) {
+        for (int32_t length : {-1, std::numeric_limits<int32_t>::min ()}) {
             Sample sample (vr, "");
             sample.attribute.length = length;
             EXPECT_EQ ("(none)", sample.Text ()) << vr << length;

@@ -135,6 +135,7 @@ TEST (SyntaxCheck, CharactersOutsideTheSetAreCounted) {
         {"TM", "12h30m ", 1, "N: 2 char in \"12h30m\" not from set \"0123456789. \\\"\n"},
         {"UI", "1.a.2" + NUL, 1, "N: 1 char in \"1.a.2\" not from set \"0123456789. \\\"\n"},
         {"AE", "a\xE4" "b\t", 1, "N: 2 Invalid character in data\n"},
+        {"AE", "~\x7F ", 1, "N: 1 Invalid character in data\n"},
     };
     for (const Check_Case &one : cases) Expect_Check (one);
 }
@@ -148,6 +149,8 @@ TEST (SyntaxCheck, EachPieceIsMeasured) {
         {"DS", "12345678901234567", 1, "W: String too long! (17/vs/16 max) Truncated to \"1234567890123456\"(7)\n"},
         {"DT", "123456789012345678901234567", 1,
          "W: String too long! (27/vs/26 max) Truncated to \"12345678901234567890123456\"(7)\n"},
+        {"DT", " 20240131123000.000000+0100", 1,
+         "W: String too long! (27/vs/26 max) Truncated to \" 20240131123000.000000+010\"(0)\n"},
         {"IS", "-000000000000", 0, "W: Value out of range (000000000000 \\vs\\ -2**31 to 2**31 - 1)\n"},
         {"IS", "- - - - - - -1", 1, "W: String too long! (14/vs/12 max) Truncated to \"- - - - - - \"(-1)\n"},
         {"TM", "12300000000000000", 1, "W: String too long! (17/vs/16 max) Truncated to \"1230000000000000\"(0)\n"},
@@ -315,6 +318,21 @@ TEST (SyntaxCheck, PiecesAreCountedWithTheEmptyOnes) {
     EXPECT_EQ (0, DICOM_Attribute_Syntax_Tag (nullptr, &warning_settings, &attribute));
     EXPECT_EQ ("W: Invalid number of values in data!, Expecting VN=1 but got 2 values\n", Findings (log));
     Value_Release (&attribute);
+}
+
+// However many units they have, these are one value.
+TEST (SyntaxCheck, WordsFloatsAndTagsInARowAreOneValue) {
+    for (const char *vr : {"OF", "OW", "AT"}) {
+        Log_Recorder     log;
+        Dictionary_Entry entry = {};
+        entry.nb_vr            = 1;
+        entry.vm[0]            = {1, 1};
+        Attribute attribute    = Record (0x0028, 0x0010, vr, std::string (8, '\1'));
+        attribute.definition   = &entry;
+        EXPECT_EQ (1, DICOM_Attribute_Syntax_Tag (nullptr, &warning_settings, &attribute)) << vr;
+        EXPECT_EQ ("", Findings (log)) << vr;
+        Value_Release (&attribute);
+    }
 }
 
 // --- byte order ------------------------------------------------------------

@@ -132,6 +132,14 @@ static int Sum (int total, int result) {
     return static_cast<int> (sum);
 }
 
+// A name without partner can't be compared, but from this trace level on it shows what the tables make of its SOP class.
+static const int TABLES_CHECK_LEVEL = 4;
+
+static void Check_Tables (const char *name) {
+    if (Log.trace_level >= TABLES_CHECK_LEVEL && System_File_Exists (name))
+        Comparison_Check_Tables (nullptr, &Program.settings, name);
+}
+
 // Compares the names pair by pair. The sum of the results.
 static int Batch_Run (const Command_Line *line) {
     int total = 0;
@@ -143,6 +151,7 @@ static int Batch_Run (const Command_Line *line) {
     for (int i = 0; i < line->count; i += 2) {
         const char *second = i + 1 < line->count ? line->input_file[i + 1] : "";
         total              = Sum (total, Comparison_Start (nullptr, &Program.settings, line->input_file[i], second, 1));
+        if (!*second) Check_Tables (line->input_file[i]);
     }
     Log_Message (nullptr, LOG_REPORT, EMPHASIS COLOUR_BLACK "Done");
     Comparison_Free (nullptr);

@@ -202,6 +202,16 @@ int Comparison_Start (Window window, const Settings *settings, const char *name_
     return count;
 }
 
+void Comparison_Check_Tables (Window window, const Settings *settings, const char *name) {
+    SequenceCursor cursor = {};
+    cursor.settings       = settings;
+    Attribute *list       = Read_Side (window, &cursor, name);
+    Read_Definition (window, &cursor, list, name);
+    List_Delete (window, &cursor, &list);
+    DICOM_Module_Free (window);
+    Report_Vanished_Bytes (window);
+}
+
 void Comparison_Free (Window window) {
     SequenceCursor cursor = {};
     Merged_Delete (window, &cursor);

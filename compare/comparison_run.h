@@ -25,4 +25,8 @@ int Comparison_Run (Window window, const Settings *settings, const char *name_a,
 // of tables/modality.h. None after a warning.
 Attribute *Definition_Read_List (Window window, SequenceCursor *cursor, Attribute *list);
 
+// Reads a file and assembles the definition of its SOP class, for the messages and the trace that this leaves: the check
+// of edited tables from the command line. Nothing is compared.
+void Comparison_Check_Tables (Window window, const Settings *settings, const char *name);
+
 void Comparison_Free (Window window);   // Releases what the last run left.

@@ -34,7 +34,7 @@ static Attribute *List_Search_Start (Attribute *first, uint16_t group, uint16_t 
 
 // First record of the list with exactly this tag, or none.
 static Attribute *List_Find (Attribute *first, uint16_t group, uint16_t element) {
-    Attribute *run = nullptr;   // First record of the run of equal tags that the search is in.
+    Attribute *run = nullptr; // First record of the run of equal tags that the search is in.
     for (Attribute *record = List_Search_Start (first, group, element); record; record = record->next) {
         int order = Tag_Compare_To (record, group, element);
         if (order == 0) {
@@ -222,7 +222,8 @@ Attribute *DICOM_Attribute_Insert (Window window, SequenceCursor *cursor, Attrib
         if (!place) {
             Log_Message (window, Sequence_Kind_Warning (cursor),
                          "    " EMPHASIS COLOUR_YELLOW "Failed" COLOUR_BLACK " to insert tag(" COLOUR_BLUE
-                         "%04X" COLOUR_BLACK "," COLOUR_BLUE "%04X" COLOUR_BLACK ")", source->group, source->element);
+                         "%04X" COLOUR_BLACK "," COLOUR_BLUE "%04X" COLOUR_BLACK ")",
+                         source->group, source->element);
             return nullptr;
         }
     }
@@ -262,7 +263,7 @@ Attribute *DICOM_Attribute_Find_Or_Insert (Window window, SequenceCursor *cursor
     DICOM_Attribute_Sequence_Set (window, cursor, cursor->depth, group, element, 0);
 
     Attribute *first    = *place;
-    Attribute *previous = nullptr;      // The last record that is not greater, or the first one.
+    Attribute *previous = nullptr; // The last record that is not greater, or the first one.
     if (first) {
         previous = first->unordered ? first : List_Search_Start (first, group, element);
         while (previous->next && Tag_Compare_To (previous->next, group, element) <= 0) previous = previous->next;
@@ -275,15 +276,14 @@ Attribute *DICOM_Attribute_Find_Or_Insert (Window window, SequenceCursor *cursor
     insert->element = element;
     insert->level   = static_cast<uint8_t> (cursor->depth);
     if (!first || (previous == first && Tag_Compare_To (first, group, element) > 0)) List_Prepend (place, insert);
-    else                                                                               List_Link_Behind (first, previous, insert);
+    else List_Link_Behind (first, previous, insert);
     return insert;
 }
 
 // --- changing --------------------------------------------------------------
 
 static void Set_Type_One (Window window, SequenceCursor *cursor, Attribute *reference_first, Attribute *record) {
-    Attribute *reference =
-        DICOM_Attribute_Get (window, cursor, reference_first, record->group, record->element, 0);
+    Attribute *reference = DICOM_Attribute_Get (window, cursor, reference_first, record->group, record->element, 0);
     if (reference) {
         record->type = reference->type;
         if (!record->vr) record->vr = reference->vr;
@@ -346,7 +346,7 @@ int DICOM_Attribute_Delete (Window window, SequenceCursor *cursor, Attribute **p
     while (*place && Tag_Is (*place, group, element)) List_Remove (window, place, nullptr);
     for (Attribute *previous = *place; previous && previous->next;) {
         if (Tag_Is (previous->next, group, element)) List_Remove (window, place, previous);
-        else                                         previous = previous->next;
+        else previous = previous->next;
     }
     for (Attribute *record = *place; record; record = record->next)
         if (record->item) Delete_In_Items (window, cursor, record, group, element);

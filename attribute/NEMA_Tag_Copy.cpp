@@ -107,7 +107,7 @@ static int Copy_Scalars (Window window, const SequenceCursor *cursor, Attribute 
     if (source->type) target->type = source->type;
     if (source->vr_file) target->vr_file = source->vr_file;
     if (source->flags & VR_UNKNOWN) target->vr = VR_UN;
-    else if (source->vr)            target->vr = source->vr;
+    else if (source->vr) target->vr = source->vr;
     if (source->pos_tag) target->pos_tag = source->pos_tag;
     if (source->pos_data) target->pos_data = source->pos_data;
     if (source->diff_a) target->diff_a = source->diff_a;
@@ -135,7 +135,7 @@ static int Copy_Item_Lists (Window window, SequenceCursor *cursor, Attribute **p
 static int Copy_Items (Window window, SequenceCursor *cursor, Attribute **place, Attribute *target,
                        const Attribute *source) {
     int     append = source->flags & APPEND;
-    int32_t before = append ? target->nb_item : 0;      // Items of target that the copied ones follow.
+    int32_t before = append ? target->nb_item : 0; // Items of target that the copied ones follow.
     int64_t wanted = static_cast<int64_t> (before) + source->nb_item;
     int32_t count  = static_cast<int32_t> (wanted < INT32_MAX ? wanted : INT32_MAX);
     if (!Attribute_Grow_Items (window, HERE ("target->item", count, 8), target, count)) return 0;
@@ -162,8 +162,7 @@ int DICOM_Attribute_Copy (Window window, SequenceCursor *cursor, Attribute **pla
     Log_Message (window, LOG_TRACE5, "in DICOM_Attribute_Copy()");
     for (const Attribute *source = chain; source; source = source->next) {
         Log_Message (window, LOG_TRACE4, "DICOM_Attribute_Copy (%04x,%04x)", source->group, source->element);
-        Attribute *target =
-            DICOM_Attribute_Find_Or_Insert (window, cursor, place, source->group, source->element);
+        Attribute *target = DICOM_Attribute_Find_Or_Insert (window, cursor, place, source->group, source->element);
         if (!target || !DICOM_Attribute_Copy_Tag (window, cursor, place, target, source)) {
             Log_Message (window, Sequence_Kind_Warning (cursor),
                          EMPHASIS COLOUR_YELLOW "Warning:" COLOUR_BLACK " Failed in DICOM_Attribute_Copy(%04x,%04x)",

@@ -17,7 +17,7 @@ static const uint16_t explicit_vrs[] = {VR_AE, VR_AS, VR_AT, VR_CS, VR_DA, VR_DS
                                         VR_IS, VR_LO, VR_LT, VR_OB, VR_OW, VR_PN, VR_SH, VR_SL, VR_SQ,
                                         VR_SS, VR_ST, VR_TM, VR_UH, VR_UI, VR_UL, VR_UN, VR_US};
 
-static const int32_t GUESS_LENGTH_LIMIT = 1025;     // From this length on an unknown value is taken as bytes.
+static const int32_t GUESS_LENGTH_LIMIT = 1025; // From this length on an unknown value is taken as bytes.
 
 static int Is_Known_Explicit (uint16_t vr) {
     for (uint16_t known : explicit_vrs)
@@ -62,9 +62,7 @@ int DICOM_Attribute_VR_Match (Window window, const Settings *settings, const Att
 }
 
 // A dictionary VR that depends on the value's length.
-static uint16_t Resolve_Length_VR (int32_t length) {
-    return length == 2 ? VR_US : length == 4 ? VR_UL : VR_OB;
-}
+static uint16_t Resolve_Length_VR (int32_t length) { return length == 2 ? VR_US : length == 4 ? VR_UL : VR_OB; }
 
 // --- guessing from text ----------------------------------------------------
 
@@ -72,9 +70,9 @@ static uint16_t Resolve_Length_VR (int32_t length) {
 struct Guess_Text {
     const char *bytes;
     int32_t     length;
-    int         padded;         // 1 when a zero byte followed.
-    int32_t     longest;        // Bytes of the longest piece, its backslash counted.
-    int32_t     separators;     // Backslashes.
+    int         padded;     // 1 when a zero byte followed.
+    int32_t     longest;    // Bytes of the longest piece, its backslash counted.
+    int32_t     separators; // Backslashes.
 };
 
 // 1 when every byte is printable (PS3.5 6.1), but for one zero at the end.
@@ -166,7 +164,7 @@ struct Format_Pass {
     Window          window;
     const Settings *settings;
     SequenceCursor  cursor;
-    int32_t         End_Of_Sequence[SEQUENCE_DEPTHS];   // File positions, -1 when no end is known.
+    int32_t         End_Of_Sequence[SEQUENCE_DEPTHS]; // File positions, -1 when no end is known.
     int32_t         End_Of_Item[SEQUENCE_DEPTHS];
     int             sort_warned;
     Attribute      *list;
@@ -222,8 +220,7 @@ static void Follow_Item_Tags (Format_Pass *pass, const Attribute *record) {
         DICOM_Attribute_Item_Start (pass->window, cursor, 0);
         if (record->length != LENGTH_UNDEFINED) pass->End_Of_Item[cursor->depth] = End_Position (record);
         Log_Message (pass->window, LOG_TRACE4, "\"Start of Item\" tag (%04x,%04x) size=%d (End_Of_Item[%d]:%04X)",
-                     record->group, record->element, record->length, cursor->depth,
-                     pass->End_Of_Item[cursor->depth]);
+                     record->group, record->element, record->length, cursor->depth, pass->End_Of_Item[cursor->depth]);
     }
 }
 
@@ -272,21 +269,21 @@ static void Refuse_Sequence (Format_Pass *pass, const Attribute *record, Attribu
 
 static void Open_SQ (Format_Pass *pass, const Attribute *record, Attribute *target) {
     Open_Sequence (pass, record);
-    if (record->length != LENGTH_UNDEFINED)
-        pass->End_Of_Sequence[pass->cursor.depth] = End_Position (record);
+    if (record->length != LENGTH_UNDEFINED) pass->End_Of_Sequence[pass->cursor.depth] = End_Position (record);
     else if (!record->next || record->next->group != GROUP_DELIMITER)
         Refuse_Sequence (pass, record, target,
                          WARNING_TEXT TAG_TEXT " Syntax Error! VR=SQ should be followed by an \"item\" tag");
-    Log_Message (pass->window, LOG_TRACE4,
-                 "\"Start of Sequence\" tag (%04x,%04x) size=%d (End_Of_Sequence[%d]:%04X)", record->group,
-                 record->element, record->length, pass->cursor.depth, pass->End_Of_Sequence[pass->cursor.depth]);
+    Log_Message (pass->window, LOG_TRACE4, "\"Start of Sequence\" tag (%04x,%04x) size=%d (End_Of_Sequence[%d]:%04X)",
+                 record->group, record->element, record->length, pass->cursor.depth,
+                 pass->End_Of_Sequence[pass->cursor.depth]);
 }
 
 // OB, OW or UN of undefined length: fragments (PS3.5 A.4).
 static void Open_Encapsulated (Format_Pass *pass, const Attribute *record, Attribute *target) {
     Open_Sequence (pass, record);
     if (!Is_Tag (record->next, GROUP_DELIMITER, ELEMENT_ITEM))
-        Refuse_Sequence (pass, record, target, WARNING_TEXT TAG_TEXT
+        Refuse_Sequence (pass, record, target,
+                         WARNING_TEXT TAG_TEXT
                          " Syntax Error! VR=%c%c Variable length tag should be followed by an \"item\" tag");
     Log_Message (pass->window, LOG_TRACE4, "\"Start of Sequence\" tag (%04x,%04x) size=%d (End_Of_Sequence:%04X)",
                  record->group, record->element, record->length, pass->End_Of_Sequence[pass->cursor.depth]);
@@ -313,8 +310,8 @@ static int Open_What_Follows (Format_Pass *pass, const Attribute *record, Attrib
     }
     if (vr == VR_SQ) Open_SQ (pass, record, target);
     else if (vr == VR_UT && undefined)
-        Syntax_Error (pass, record, target, WARNING_TEXT TAG_TEXT
-                      " Syntax Error! Variable length tag is not allowed for VR=%c%c");
+        Syntax_Error (pass, record, target,
+                      WARNING_TEXT TAG_TEXT " Syntax Error! Variable length tag is not allowed for VR=%c%c");
     else if ((vr == VR_OB || vr == VR_OW || vr == VR_UN) && undefined) Open_Encapsulated (pass, record, target);
     return 0;
 }

@@ -11,17 +11,17 @@
 #include "tables/uid_names.h"
 #include "util/my_error_fct.h"
 
-static const int  TEXT_LENGTH        = 250;     // Bytes of a text that are shown.
-static const int  UNKNOWN_LENGTH     = 32;      // Characters of a value without VR that are shown.
-static const int  UNKNOWN_HEX_LENGTH = 4;       // Up to here such a value may be shown in hexadecimal.
+static const int  TEXT_LENGTH        = 250; // Bytes of a text that are shown.
+static const int  UNKNOWN_LENGTH     = 32;  // Characters of a value without VR that are shown.
+static const int  UNKNOWN_HEX_LENGTH = 4;   // Up to here such a value may be shown in hexadecimal.
 static const int  DESCRIPTION_WIDTH  = 40;
 static const char CUT_MARK[]         = " ...";
 
 // --- value text ------------------------------------------------------------
 
 struct Listing_Text {
-    char   *text;       // LISTING_TEXT_SIZE bytes, terminated.
-    size_t  used;
+    char  *text; // LISTING_TEXT_SIZE bytes, terminated.
+    size_t used;
 };
 
 static void Append_Bytes (Listing_Text *out, const char *piece, size_t size) {
@@ -70,8 +70,8 @@ static void Double_Text (uint8_t mode, const uint8_t *bytes, char *piece) {
 
 struct Value_Form {
     uint16_t    vr;
-    int         shown;          // Bytes of the value that are looked at.
-    int         size;           // Bytes of one value.
+    int         shown; // Bytes of the value that are looked at.
+    int         size;  // Bytes of one value.
     const char *separator;
     Piece_Text  piece;
 };
@@ -194,8 +194,8 @@ const char *DICOM_Attribute_Data_Text (Window, Attribute *attribute, char *buffe
 // --- line ------------------------------------------------------------------
 
 struct Origin_Label {
-    uint16_t    mask;           // The bits of flags that decide,
-    uint16_t    value;          // and how they stand.
+    uint16_t    mask;  // The bits of flags that decide,
+    uint16_t    value; // and how they stand.
     const char *label;
     const char *colour;
 };
@@ -241,7 +241,7 @@ static char Prefix_Of (uint16_t flags) {
 // The first 40 bytes; what the window would take for a display code becomes a blank, so that the columns stay.
 static void Description_Text (const Attribute *attribute, char *text) {
     const char *source = "Unknown tag";
-    if (attribute->description)     source = attribute->description;
+    if (attribute->description) source = attribute->description;
     else if (attribute->definition) source = attribute->definition->name;
 
     snprintf (text, DESCRIPTION_WIDTH + 1, "%s", source);
@@ -271,7 +271,7 @@ void DICOM_Attribute_List_Line (Window window, SequenceCursor *cursor, Attribute
     char                description[DESCRIPTION_WIDTH + 1];
 
     if (attribute->flags & VR_UNKNOWN) {
-        vr_start = EMPHASIS COLOUR_RED;
+        vr_start = EMPHASIS   COLOUR_RED;
         vr_end   = EMPHASIS_END COLOUR_BLACK;
     }
     if (vr != VR_SQ) value_text = DICOM_Attribute_Data_Text (window, attribute, value);
@@ -317,8 +317,8 @@ static const char *const legend[] = {
 static void List_Items (Window window, SequenceCursor *cursor, const Attribute *sequence, int kind) {
     int32_t depth = DICOM_Attribute_Sequence_Depth (window, cursor);
     int32_t item  = cursor->Item_Number[depth];
-    int32_t below = DICOM_Attribute_Sequence_Start (window, cursor, sequence->group, sequence->element, sequence->flags,
-                                                    kind);
+    int32_t below =
+        DICOM_Attribute_Sequence_Start (window, cursor, sequence->group, sequence->element, sequence->flags, kind);
     if (below == depth) {
         cursor->Item_Number[depth] = item;
         return;

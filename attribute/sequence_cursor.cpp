@@ -9,9 +9,7 @@ int Sequence_Kind_Warning (const SequenceCursor *cursor) {
     return cursor->settings ? cursor->settings->kind_warning : 0;
 }
 
-int Sequence_Kind_Note (const SequenceCursor *cursor) {
-    return cursor->settings ? cursor->settings->kind_note : 0;
-}
+int Sequence_Kind_Note (const SequenceCursor *cursor) { return cursor->settings ? cursor->settings->kind_note : 0; }
 
 static void Trace_Item_Number (Window window, const SequenceCursor *cursor) {
     Log_Message (window, LOG_TRACE5, "-> Item_Number[%d] = %d", cursor->depth, cursor->Item_Number[cursor->depth]);
@@ -35,8 +33,9 @@ void DICOM_Attribute_Sequence_Reset (Window window, SequenceCursor *cursor) {
 
 int32_t DICOM_Attribute_Sequence_Start (Window window, SequenceCursor *cursor, uint16_t group, uint16_t element,
                                         uint16_t flags, int kind) {
-    if (kind) Ruler (window, kind, "%s------------------------ ---- Sequence in ----(depth=%d)-----", cursor->depth,
-                     cursor->depth);
+    if (kind)
+        Ruler (window, kind, "%s------------------------ ---- Sequence in ----(depth=%d)-----", cursor->depth,
+               cursor->depth);
     DICOM_Attribute_Sequence_Set (window, cursor, cursor->depth, group, element, flags);
     cursor->depth++;
     if (cursor->depth >= SEQUENCE_DEPTHS) {
@@ -65,12 +64,14 @@ void DICOM_Attribute_Item_Start (Window window, SequenceCursor *cursor, int kind
     cursor->Item_Number[cursor->depth]++;
     int number = cursor->Item_Number[cursor->depth];
     Log_Message (window, LOG_TRACE5, "-> root->Item_Number[%d] = %d", cursor->depth, number);
-    if (kind) Ruler (window, kind, "%s------------------------ ---- Item[%d] in ---------------", cursor->depth, number);
+    if (kind)
+        Ruler (window, kind, "%s------------------------ ---- Item[%d] in ---------------", cursor->depth, number);
 }
 
 void DICOM_Attribute_Item_Stop (Window window, SequenceCursor *cursor, int kind) {
-    if (kind) Ruler (window, kind, "%s------------------------ ---- Item[%d] out --------------", cursor->depth,
-                     cursor->Item_Number[cursor->depth]);
+    if (kind)
+        Ruler (window, kind, "%s------------------------ ---- Item[%d] out --------------", cursor->depth,
+               cursor->Item_Number[cursor->depth]);
     Trace_Item_Number (window, cursor);
 }
 
@@ -79,9 +80,7 @@ int32_t DICOM_Attribute_Sequence_End (Window window, const SequenceCursor *curso
     return depth >= 0 && depth < SEQUENCE_DEPTHS ? cursor->Item_Number[depth] - 1 : -1;
 }
 
-int32_t DICOM_Attribute_Sequence_Depth (Window, const SequenceCursor *cursor) {
-    return cursor->depth;
-}
+int32_t DICOM_Attribute_Sequence_Depth (Window, const SequenceCursor *cursor) { return cursor->depth; }
 
 void DICOM_Attribute_Sequence_Get (Window, const SequenceCursor *cursor, int32_t depth, uint16_t *group,
                                    uint16_t *element, uint16_t *flags) {

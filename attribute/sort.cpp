@@ -74,7 +74,7 @@ int DICOM_Attribute_Sort_Swap (Window window, const SequenceCursor *cursor, Attr
 
 struct Sort_Node {
     Attribute *record;
-    int32_t    larger;     // Records with a larger tag that stood before this one.
+    int32_t    larger; // Records with a larger tag that stood before this one.
 };
 
 // Orders count nodes by tag; equal tags stay as they stood. room holds count nodes, too.

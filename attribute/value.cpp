@@ -7,8 +7,8 @@
 static const char *const MODULE = "value";
 
 struct Value_Block {
-    int32_t count;      // Attributes that share the block.
-    int32_t mapped;     // 1: the head of a Mapped_Block.
+    int32_t count;  // Attributes that share the block.
+    int32_t mapped; // 1: the head of a Mapped_Block.
 };
 
 struct Mapped_Block {
@@ -16,9 +16,7 @@ struct Mapped_Block {
     System_Mapping mapping;
 };
 
-static uint8_t *Block_Bytes (Value_Block *block) {
-    return reinterpret_cast<uint8_t *> (block + 1);
-}
+static uint8_t *Block_Bytes (Value_Block *block) { return reinterpret_cast<uint8_t *> (block + 1); }
 
 static size_t Block_Size (int32_t length) {
     return sizeof (Value_Block) + static_cast<size_t> (length > 0 ? length : 0);
@@ -119,6 +117,4 @@ int Value_Set_Text (Window window, Memory_Site site, Attribute *attribute, const
     return 1;
 }
 
-int Value_Is_Mapped (const Attribute *attribute) {
-    return attribute->block && attribute->block->mapped;
-}
+int Value_Is_Mapped (const Attribute *attribute) { return attribute->block && attribute->block->mapped; }

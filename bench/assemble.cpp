@@ -12,9 +12,7 @@
 #include "tables/modality.h"
 #include "util/my_error_fct.h"
 
-static int Silent (Window, int, const char *) {
-    return 1;
-}
+static int Silent (Window, int, const char *) { return 1; }
 
 int main (int count, char **words) {
     static const std::string prefix = "DICOM_Module_", ending = ".txt";

@@ -21,9 +21,7 @@ static Stream Begin_Image () {
     return stream;
 }
 
-static bool Write (FILE *file, const void *bytes, size_t count) {
-    return fwrite (bytes, 1, count, file) == count;
-}
+static bool Write (FILE *file, const void *bytes, size_t count) { return fwrite (bytes, 1, count, file) == count; }
 
 // The pixel value goes to the disk in pieces: it need not fit into memory.
 static bool Write_Pixel (FILE *file, uint32_t count, bool second) {
@@ -86,8 +84,7 @@ int main (int count, char **words) {
     }
     uint32_t number = static_cast<uint32_t> (strtoul (words[3], nullptr, 10));
     for (int second = 0; second < 2; second++) {
-        std::string name =
-            std::string (words[1]) + "/" + words[2] + "_" + words[3] + (second ? "_b.dcm" : "_a.dcm");
+        std::string name = std::string (words[1]) + "/" + words[2] + "_" + words[3] + (second ? "_b.dcm" : "_a.dcm");
         if (Make (name, words[2], number, second)) continue;
         fprintf (stderr, "make_pairs: can't write %s\n", name.c_str ());
         return 1;

@@ -245,7 +245,8 @@ static int Find_First_Element (Reading *reading) {
                  EMPHASIS COLOUR_YELLOW "WARNING:" EMPHASIS_END COLOUR_BLACK "  file: " COLOUR_BLACK "%s",
                  reading->source.name);
     Log_Message (reading->window, LOG_WARNING,
-                 EMPHASIS_END COLOUR_BLACK "\t\t\tis not a valid part-10 DICOM file.  We will attempt to read anyway...");
+                 EMPHASIS_END COLOUR_BLACK
+                 "\t\t\tis not a valid part-10 DICOM file.  We will attempt to read anyway...");
     return Seek (reading, 0);
 }
 

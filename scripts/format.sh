@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Lays C++ sources out as .clang-format says: the files named, or all. With --check nothing is changed; it fails when a
-# file is laid out otherwise.
+# Lays C++ sources out as .clang-format says: the files named, or all .cpp. Headers are laid out by hand in the same style,
+# since their comments stand in columns. With --check nothing is changed; it fails when a file is laid out otherwise.
 set -eu
 
 here=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
@@ -18,5 +18,5 @@ if [ $# -gt 0 ]; then
 else
   cd "$root"
   find . -path './.?*' -prune -o -path ./build -prune -o -path ./dist -prune -o \
-    -type f \( -name '*.cpp' -o -name '*.h' \) -print0 | xargs -0 clang-format "${options[@]}"
+    -type f -name '*.cpp' -print0 | xargs -0 clang-format "${options[@]}"
 fi

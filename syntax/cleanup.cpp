@@ -81,9 +81,7 @@ int DICOM_Tag_Cleanup_Char_Set (Syntax_Run *run, Attribute *attribute, const cha
     return 1;
 }
 
-static int Is_Blank (char byte) {
-    return byte == ' ' || byte == '\t';
-}
+static int Is_Blank (char byte) { return byte == ' ' || byte == '\t'; }
 
 // 1 when a value of the text must be cut or trimmed.
 static int Needs_Change (const char *text, int32_t length, int32_t max) {
@@ -167,18 +165,21 @@ int32_t DICOM_Tag_Cleanup_Text_Multiple (Syntax_Run *run, Attribute *attribute, 
 }
 
 int32_t DICOM_Tag_Cleanup_Text_Single (Syntax_Run *run, Attribute *attribute, int32_t max) {
-    static const int32_t SHOWN_WHOLE = 64;     // Of a longer text only its ends are shown.
+    static const int32_t SHOWN_WHOLE = 64; // Of a longer text only its ends are shown.
 
     int32_t     length = Syntax_Text_Length (attribute);
     const char *text   = Syntax_Text (attribute);
     if (length <= max) return 1;
     if (max > SHOWN_WHOLE)
-        Syntax_Warn (run, attribute, "String too long! (" SYNTAX_NUMBER "/vs/" SYNTAX_NUMBER " max) Truncated to \""
-                     COLOUR_BLUE "%20.20s ... %20.20s" COLOUR_BLACK "\"(" SYNTAX_BYTES ") ", length, max, text,
-                     text + max - 20, length - max, text + max);
+        Syntax_Warn (run, attribute,
+                     "String too long! (" SYNTAX_NUMBER "/vs/" SYNTAX_NUMBER " max) Truncated to \"" COLOUR_BLUE
+                     "%20.20s ... %20.20s" COLOUR_BLACK "\"(" SYNTAX_BYTES ") ",
+                     length, max, text, text + max - 20, length - max, text + max);
     else
-        Syntax_Warn (run, attribute, "String too long! (" SYNTAX_NUMBER "/vs/" SYNTAX_NUMBER " max) Truncated to \""
-                     SYNTAX_BYTES "\"(" SYNTAX_BYTES ") ", length, max, max, text, length - max, text + max);
+        Syntax_Warn (run, attribute,
+                     "String too long! (" SYNTAX_NUMBER "/vs/" SYNTAX_NUMBER " max) Truncated to \"" SYNTAX_BYTES
+                     "\"(" SYNTAX_BYTES ") ",
+                     length, max, max, text, length - max, text + max);
     attribute->length = max;
     return 1;
 }
@@ -195,8 +196,8 @@ int DICOM_Tag_Cleanup_VM (Syntax_Run *run, Attribute *attribute, int32_t count) 
 
 // --- decimal texts to integers ---------------------------------------------
 
-static const int32_t INTEGER_LENGTH = 12;       // Of one value, PS3.5 6.2.
-static const size_t  INTEGER_SIZE   = 24;       // Any 64-bit integer with its zero.
+static const int32_t INTEGER_LENGTH = 12; // Of one value, PS3.5 6.2.
+static const size_t  INTEGER_SIZE   = 24; // Any 64-bit integer with its zero.
 
 static int64_t Truncate (double number) {
     if (number >= 9223372036854775807.0) return INT64_MAX;
@@ -207,7 +208,8 @@ static int64_t Truncate (double number) {
 // Writes the integer of the terminated piece to result. Returns the new end.
 static char *Add_Integer (Syntax_Run *run, Attribute *attribute, char *result, const char *piece) {
     char integer[INTEGER_SIZE];
-    int  length = snprintf (integer, sizeof integer, "%-lld", static_cast<long long> (Truncate (Text_To_Double (piece))));
+    int  length =
+        snprintf (integer, sizeof integer, "%-lld", static_cast<long long> (Truncate (Text_To_Double (piece))));
     if (length > INTEGER_LENGTH) {
         length          = INTEGER_LENGTH;
         integer[length] = 0;
@@ -246,8 +248,8 @@ int DICOM_Tag_Cleanup_Int (Syntax_Run *run, Attribute *attribute) {
         Syntax_Warn (run, attribute, "Invalid data! Expecting VR=IS but got VR=DS");
         return 0; // The integers, a digit for each empty piece too, could be more bytes than a value holds.
     }
-    size_t  size      = static_cast<size_t> (length) + 1;
-    char   *float_str = static_cast<char *> (Memory_Malloc (run->window, HERE ("float_str", size, 1), size));
+    size_t size      = static_cast<size_t> (length) + 1;
+    char  *float_str = static_cast<char *> (Memory_Malloc (run->window, HERE ("float_str", size, 1), size));
     if (!float_str) return CLEANUP_MEMORY;
     memcpy (float_str, Syntax_Text (attribute), size - 1);
     float_str[length] = 0;
@@ -321,9 +323,10 @@ static int32_t Clean_Date (Syntax_Run *run, Attribute *attribute) {
     case DATE_CURRENT: return 1;
     case DATE_OLD: return Clean_Old_Date (run, attribute, suggestion);
     case DATE_Y2K:
-        Syntax_Warn (run, attribute, "Y2K bug! " SYNTAX_BYTES " = " COLOUR_BLUE "%7.7s" COLOUR_BLACK
-                     "? (Rejected since last digit of day is lost!)", Syntax_Text_Length (attribute),
-                     Syntax_Text (attribute), suggestion);
+        Syntax_Warn (run, attribute,
+                     "Y2K bug! " SYNTAX_BYTES " = " COLOUR_BLUE "%7.7s" COLOUR_BLACK
+                     "? (Rejected since last digit of day is lost!)",
+                     Syntax_Text_Length (attribute), Syntax_Text (attribute), suggestion);
         return 0;
     case DATE_UNKNOWN: return 0;
     }
@@ -344,8 +347,8 @@ static int32_t Clean_Old_Time (Syntax_Run *run, Attribute *attribute) {
         Syntax_Too_Long (run, attribute, Syntax_Text (attribute), attribute->length, run->rule->maximum);
         return 0;
     }
-    char *new_time = static_cast<char *> (Memory_Malloc (
-        run->window, HERE ("new_time", attribute->length + 1, 1), static_cast<size_t> (attribute->length) + 1));
+    char *new_time = static_cast<char *> (Memory_Malloc (run->window, HERE ("new_time", attribute->length + 1, 1),
+                                                         static_cast<size_t> (attribute->length) + 1));
     if (!new_time) return CLEANUP_MEMORY;
     Syntax_Old_Time (attribute, new_time);
     Syntax_Note (run, attribute, "Old syntax! " SYNTAX_BYTES " changed to " SYNTAX_TEXT, Syntax_Text_Length (attribute),
@@ -392,8 +395,7 @@ int DICOM_Attribute_Cleanup_Swab (Window window, Attribute *attribute) {
 }
 
 int DICOM_Attribute_Cleanup_Tag (Window window, const Settings *settings, Attribute *attribute) {
-    Log_Message (window, LOG_TRACE5, "in DICOM_Attribute_Cleanup_Tag(%04x,%04x)", attribute->group,
-                 attribute->element);
+    Log_Message (window, LOG_TRACE5, "in DICOM_Attribute_Cleanup_Tag(%04x,%04x)", attribute->group, attribute->element);
     if (!attribute->data) return 1;
     if (attribute->length < 0) attribute->length = 0;
 

@@ -28,8 +28,8 @@ static int Swab_Unit (uint16_t vr) {
 
 static void Reverse (uint8_t *bytes, int unit) {
     for (int i = 0; i < unit / 2; i++) {
-        uint8_t byte         = bytes[i];
-        bytes[i]             = bytes[unit - 1 - i];
+        uint8_t byte        = bytes[i];
+        bytes[i]            = bytes[unit - 1 - i];
         bytes[unit - 1 - i] = byte;
     }
 }
@@ -134,9 +134,9 @@ static int32_t Check_Date (const Syntax_Run *run, Attribute *attribute) {
     if (form == DATE_UNKNOWN) Syntax_Length_Warning (run, attribute);
     DICOM_Tag_Syntax_Char_Set (run, attribute, run->rule->set);
     if (form == DATE_Y2K)
-        Syntax_Warn (run, attribute, "Y2K bug! " SYNTAX_BYTES " = " COLOUR_BLUE "%7.7s" COLOUR_BLACK
-                     "? (last digit of day is lost!)", Syntax_Text_Length (attribute), Syntax_Text (attribute),
-                     suggestion);
+        Syntax_Warn (run, attribute,
+                     "Y2K bug! " SYNTAX_BYTES " = " COLOUR_BLUE "%7.7s" COLOUR_BLACK "? (last digit of day is lost!)",
+                     Syntax_Text_Length (attribute), Syntax_Text (attribute), suggestion);
     if (form == DATE_OLD)
         Syntax_Note (run, attribute, "Old syntax! " SYNTAX_BYTES " should be changed to " SYNTAX_TEXT,
                      Syntax_Text_Length (attribute), Syntax_Text (attribute), suggestion);
@@ -159,8 +159,8 @@ static int32_t Check_Old_Time (const Syntax_Run *run, Attribute *attribute) {
         Syntax_Too_Long (run, attribute, Syntax_Text (attribute), attribute->length, run->rule->maximum);
         return 0;
     }
-    char *new_time = static_cast<char *> (Memory_Malloc (
-        run->window, HERE ("new_time", attribute->length + 1, 1), static_cast<size_t> (attribute->length) + 1));
+    char *new_time = static_cast<char *> (Memory_Malloc (run->window, HERE ("new_time", attribute->length + 1, 1),
+                                                         static_cast<size_t> (attribute->length) + 1));
     if (!new_time) return 0;
     Syntax_Old_Time (attribute, new_time);
     Syntax_Note (run, attribute, "Old syntax! " SYNTAX_BYTES " should be changed to " SYNTAX_TEXT,

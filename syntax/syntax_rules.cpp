@@ -17,7 +17,7 @@ static const char DATE_SET[]    = "0123456789.\\";
 static const char DECIMAL_SET[] = "0123456789+-Ee. \\";
 static const char MOMENT_SET[]  = "0123456789+-. \\";
 static const char INTEGER_SET[] = "0123456789+- \\";
-static const char NUMBER_SET[]  = "0123456789. \\";     // TM and UI.
+static const char NUMBER_SET[]  = "0123456789. \\"; // TM and UI.
 
 static const int NONE = SYNTAX_NONE;
 static const int NUL  = 0;
@@ -104,13 +104,14 @@ int Syntax_Multiplicity (const Syntax_Run *run, const Attribute *attribute, int3
     const Dictionary_Entry *entry = attribute->definition;
     if (!entry || entry->nb_vr == 0) return 1;
     int minimum = static_cast<int16_t> (entry->vm[0].minimum);
-    int maximum = static_cast<int16_t> (entry->vm[0].maximum);      // Below 1: no upper bound.
+    int maximum = static_cast<int16_t> (entry->vm[0].maximum); // Below 1: no upper bound.
     if (minimum < 0) return 1;
 
     if (minimum == maximum) {
         if (count == minimum) return 1;
         Syntax_Warn (run, attribute,
-                     "Invalid number of values in data!, Expecting VN=" SYNTAX_NUMBER " but got " SYNTAX_NUMBER " values",
+                     "Invalid number of values in data!, Expecting VN=" SYNTAX_NUMBER " but got " SYNTAX_NUMBER
+                     " values",
                      minimum, count);
         return 0;
     }
@@ -120,13 +121,17 @@ int Syntax_Multiplicity (const Syntax_Run *run, const Attribute *attribute, int3
                          "Not enough values in data! Expecting VN=" SYNTAX_NUMBER "-n but got " SYNTAX_NUMBER " values",
                          minimum, count);
         else
-            Syntax_Warn (run, attribute, "Not enough values in data! Expecting VN=" SYNTAX_NUMBER "-" SYNTAX_NUMBER
-                         " but got " SYNTAX_NUMBER " values", minimum, maximum, count);
+            Syntax_Warn (run, attribute,
+                         "Not enough values in data! Expecting VN=" SYNTAX_NUMBER "-" SYNTAX_NUMBER
+                         " but got " SYNTAX_NUMBER " values",
+                         minimum, maximum, count);
         return 0;
     }
     if (maximum > 0 && count > maximum) {
-        Syntax_Warn (run, attribute, "To many values in data! Expecting VN=" SYNTAX_NUMBER "-" SYNTAX_NUMBER
-                     " but got " SYNTAX_NUMBER " values", minimum, maximum, count);
+        Syntax_Warn (run, attribute,
+                     "To many values in data! Expecting VN=" SYNTAX_NUMBER "-" SYNTAX_NUMBER " but got " SYNTAX_NUMBER
+                     " values",
+                     minimum, maximum, count);
         return 0;
     }
     return 1;
@@ -196,7 +201,8 @@ void Syntax_Too_Long (const Syntax_Run *run, const Attribute *attribute, const c
                       int32_t max) {
     Syntax_Warn (run, attribute,
                  "String too long! (" SYNTAX_NUMBER "/vs/" SYNTAX_NUMBER " max) Truncated to \"" SYNTAX_BYTES
-                 "\"(" SYNTAX_BYTES ")", length, max, max, value, length - max, value + max);
+                 "\"(" SYNTAX_BYTES ")",
+                 length, max, max, value, length - max, value + max);
 }
 
 // --- integers --------------------------------------------------------------
@@ -204,7 +210,7 @@ void Syntax_Too_Long (const Syntax_Run *run, const Attribute *attribute, const c
 // The bytes of one integer without signs and blanks. From the second value on its backslash is the first of them, which
 // leaves a later value one digit less: files rely on being judged so.
 struct Collected {
-    char    bytes[LOG_TEXT_SIZE];   // More than a message holds aren't kept.
+    char    bytes[LOG_TEXT_SIZE]; // More than a message holds aren't kept.
     int32_t count;
 };
 
@@ -258,7 +264,8 @@ Syntax_Date Syntax_Date_Form (const Attribute *attribute, char suggestion[SYNTAX
     if (attribute->length == 8) return DATE_CURRENT;
     if (attribute->length == 10 && !memcmp (attribute->data, "19", 2) && attribute->data[5] == '.') {
         // "19100.01.3": 1900 and the years since, which pushed the last digit out.
-        Date_Text (suggestion, 1900 + Digits (attribute, 2, 3), Digits (attribute, 6, 2), Digits (attribute, 9, 1) * 10);
+        Date_Text (suggestion, 1900 + Digits (attribute, 2, 3), Digits (attribute, 6, 2),
+                   Digits (attribute, 9, 1) * 10);
         return DATE_Y2K;
     }
     if (attribute->length == 10) {

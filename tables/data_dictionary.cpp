@@ -14,38 +14,38 @@
 
 static const char *const MODULE = "data_dictionary";
 
-static const int      TAG_END    = 11;      // A line starts with "(gggg,eeee)", a blank,
-static const int      NAME_START = 12;      // and the name.
-static const int      VM_SIZE    = 10;      // Characters of a VM that are read.
+static const int      TAG_END    = 11; // A line starts with "(gggg,eeee)", a blank,
+static const int      NAME_START = 12; // and the name.
+static const int      VM_SIZE    = 10; // Characters of a VM that are read.
 static const uint16_t NO_LIMIT   = 0xFFFF;
 
 // The groups that one group field of a line stands for: "0018" is one, "50xx" every group from 5000 to 50FF.
 struct Group_Node {
-    uint16_t group;         // Masked.
-    uint16_t mask;          // A nibble for each hexadecimal digit of the field.
-    int      first;         // Its entries, ascending by element.
+    uint16_t group; // Masked.
+    uint16_t mask;  // A nibble for each hexadecimal digit of the field.
+    int      first; // Its entries, ascending by element.
     int      count;
 };
 
 static struct {
     const Dictionary_Table *tables;
     int                     table_count;
-    int                     built;          // Entries + 1; 0: not built.
-    Dictionary_Entry       *entries;        // The three blocks are owned.
-    Group_Node             *nodes;          // Ascending by group, the narrower mask first.
+    int                     built;   // Entries + 1; 0: not built.
+    Dictionary_Entry       *entries; // The three blocks are owned.
+    Group_Node             *nodes;   // Ascending by group, the narrower mask first.
     char                   *names;
     int                     entry_count;
     int                     node_count;
     size_t                  names_used;
-    uint16_t                seek_group;     // The group last looked up,
-    int                     seek_node;      // and the first node that isn't smaller.
+    uint16_t                seek_group; // The group last looked up,
+    int                     seek_node;  // and the first node that isn't smaller.
 } dictionary = {Dictionary_Tables, DICTIONARY_TABLE_COUNT, 0, nullptr, nullptr, nullptr, 0, 0, 0, 0, 0};
 
 // --- one line --------------------------------------------------------------
 
 struct Line {
     char text[DICTIONARY_LINE_SIZE + 1];
-    int  length;            // What was not yet taken from the end; NAME_START or more.
+    int  length; // What was not yet taken from the end; NAME_START or more.
 };
 
 static int Copy_Line (Line *line, const char *source) {
@@ -301,11 +301,11 @@ static int Allocate (Window window) {
             lines++;
         }
     }
-    void *entries = Memory_Malloc (window, HERE ("entries", lines, sizeof (Dictionary_Entry)),
-                                   lines * sizeof (Dictionary_Entry));
+    void *entries =
+        Memory_Malloc (window, HERE ("entries", lines, sizeof (Dictionary_Entry)), lines * sizeof (Dictionary_Entry));
     dictionary.entries = static_cast<Dictionary_Entry *> (entries);
     if (!entries) return 0;
-    void *nodes = Memory_Malloc (window, HERE ("nodes", lines, sizeof (Group_Node)), lines * sizeof (Group_Node));
+    void *nodes      = Memory_Malloc (window, HERE ("nodes", lines, sizeof (Group_Node)), lines * sizeof (Group_Node));
     dictionary.nodes = static_cast<Group_Node *> (nodes);
     if (!nodes) return 0;
     dictionary.names = static_cast<char *> (Memory_Malloc (window, HERE ("names", bytes, 1), bytes));
@@ -323,15 +323,13 @@ int Dictionary_Build (Window window) {
     return dictionary.entry_count;
 }
 
-static int Is_Smaller (const Group_Node *node, uint16_t group) {
-    return node->group < (group & node->mask);
-}
+static int Is_Smaller (const Group_Node *node, uint16_t group) { return node->group < (group & node->mask); }
 
 // The walk over the nodes stops at the first one that is greater, also when its mask hides digits in front; a node that
 // lacks the element leaves it to the next one, since another mask may cover the same group. Tags come group by group, so
 // the way to a group is gone once.
 const Dictionary_Entry *Dictionary_Lookup (Window window, uint16_t group, uint16_t element) {
-    if (group & 1) return nullptr;      // Private.
+    if (group & 1) return nullptr; // Private.
     Dictionary_Build (window);
 
     const Group_Node *end = dictionary.nodes + dictionary.node_count;

@@ -17,27 +17,27 @@ static int Fails_Now (void) {
 }
 
 static void Report (Window window, const Memory_Site *site, const char *call) {
-    Log_Message (window, LOG_ERROR, "line %-4d of %s \nmemory error in %s (var=%s, dim=%dx%d)",
-                 site->line, site->module, call, site->variable, site->count, site->size);
+    Log_Message (window, LOG_ERROR, "line %-4d of %s \nmemory error in %s (var=%s, dim=%dx%d)", site->line,
+                 site->module, call, site->variable, site->count, site->size);
 }
 
 void *Memory_Malloc (Window window, Memory_Site site, size_t bytes) {
     void *block = Fails_Now () ? nullptr : malloc (bytes ? bytes : 1);
     if (block) live++;
-    else       Report (window, &site, "malloc");
+    else Report (window, &site, "malloc");
     return block;
 }
 
 void *Memory_Calloc (Window window, Memory_Site site, size_t bytes) {
     void *block = Fails_Now () ? nullptr : calloc (1, bytes ? bytes : 1);
     if (block) live++;
-    else       Report (window, &site, "calloc");
+    else Report (window, &site, "calloc");
     return block;
 }
 
 void *Memory_Realloc (Window window, Memory_Site site, void *block, size_t bytes) {
     void *larger = Fails_Now () ? nullptr : realloc (block, bytes ? bytes : 1);
-    if (!larger)     Report (window, &site, "realloc");
+    if (!larger) Report (window, &site, "realloc");
     else if (!block) live++;
     return larger;
 }
@@ -68,10 +68,6 @@ void Memory_Fail_At (long n) {
     fail_done      = 0;
 }
 
-int Memory_Failed (void) {
-    return fail_done;
-}
+int Memory_Failed (void) { return fail_done; }
 
-long Memory_Live (void) {
-    return live;
-}
+long Memory_Live (void) { return live; }

@@ -367,18 +367,20 @@ TEST (Program, TraceIsWritten) {
 TEST (Program, ANameWithoutPartnerChecksTheTables) {
     for (int level : {3, 4}) {
         Temporary_Directory directory;
-        std::string         tables = std::string ("Kestrelbay") + System_Separator () + "DICOM Tables" + System_Separator ();
+        std::string tables = std::string ("Kestrelbay") + System_Separator () + "DICOM Tables" + System_Separator ();
         Write_User_Tables (directory);
         directory.Write (tables + "DICOM_Module_CT_Image.txt", std::string ("Patient\n"));
         directory.Write (tables + "DICOM_Attributes_Patient.txt", std::string ("(0010,0010) type=required\n"));
         Program_Result result =
             Program_Run_Built (directory, "-t " + std::to_string (level) + " " + Quoted (Example_Path ("ct_a.dcm")));
         EXPECT_EQ (System_Exit_Status (-3), result.status);
-        std::string trace = Read_Whole (Program_Scratch (directory) + "Tagwright_trace.dat");
+        std::string trace  = Read_Whole (Program_Scratch (directory) + "Tagwright_trace.dat");
         bool        checks = level == 4;
-        EXPECT_EQ (checks, Contains (trace, "WARNING: WARNING: reading Attribute file:DICOM_Attributes_Patient.txt line:1"));
+        EXPECT_EQ (checks,
+                   Contains (trace, "WARNING: WARNING: reading Attribute file:DICOM_Attributes_Patient.txt line:1"));
         EXPECT_EQ (checks, Contains (trace, "Syntax error\"type=xx\" (=type=required)"));
-        EXPECT_EQ (checks, Contains (trace, "-----                         Sorting DICOM tags                         ------"));
+        EXPECT_EQ (checks,
+                   Contains (trace, "-----                         Sorting DICOM tags                         ------"));
         EXPECT_EQ (checks, Contains (trace, "Reading DICOM Modality tables for: "));
     }
 }

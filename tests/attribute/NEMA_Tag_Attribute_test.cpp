@@ -91,7 +91,7 @@ TEST (NemaTagAttribute, AnItemIndexBelowZeroIsTheFirstItem) {
     Test_List list;
     list.Add (0x0040, 0xA730, "SQ");
     list.Open (0x0040, 0xA730);
-    Attribute *inside = list.Add (0x0008, 0x0100, "SH", "A ");      // no item was started
+    Attribute *inside = list.Add (0x0008, 0x0100, "SH", "A "); // no item was started
     EXPECT_EQ (inside, list.first->item[0]);
     EXPECT_EQ (inside, Get (&list, 0x0008, 0x0100));
 }
@@ -141,11 +141,11 @@ TEST (NemaTagAttribute, InsertGoesOnAtTheTrueEndWhenLastDoesNotNameIt) {
     Test_List list;
     list.Add (0x0020, 0x0010);
     list.Add (0x0028, 0x0010);
-    ASSERT_NE (nullptr, Find (&list, 0x0008, 0x0016));     // becomes the first record and its own last
+    ASSERT_NE (nullptr, Find (&list, 0x0008, 0x0016)); // becomes the first record and its own last
     EXPECT_EQ (list.first, list.first->last);
     list.Add (0x7FE0, 0x0010);
     EXPECT_EQ ("(0008,0016) (0020,0010) (0028,0010) (7FE0,0010)", Outline (list.first));
-    ASSERT_NE (nullptr, Find (&list, 0x0020, 0x0011));     // last names a record in the middle
+    ASSERT_NE (nullptr, Find (&list, 0x0020, 0x0011)); // last names a record in the middle
     list.Add (0x7FE1, 0x0010);
     EXPECT_EQ ("(0008,0016) (0020,0010) (0020,0011) (0028,0010) (7FE0,0010) (7FE1,0010)", Outline (list.first));
 }
@@ -248,14 +248,14 @@ TEST (NemaTagAttribute, FindOrInsertWalksAnUnorderedListFromItsStart) {
     list.Add (0x0020, 0x0010);
     Attribute *late = list.Add (0x0010, 0x0010);
     EXPECT_EQ (late, Get (&list, 0x0010, 0x0010));
-    Attribute *early = Find (&list, 0x0010, 0x0010);   // stops before (0020,0010)
+    Attribute *early = Find (&list, 0x0010, 0x0010); // stops before (0020,0010)
     EXPECT_NE (late, early);
     EXPECT_EQ ("(0008,0016) (0010,0010) (0020,0010) (0010,0010)", Outline (list.first));
     EXPECT_EQ (early, Get (&list, 0x0010, 0x0010));
 }
 
 TEST (NemaTagAttribute, AnUnorderedListStaysSoWhateverBecomesItsFirstRecord) {
-    Test_List  list;
+    Test_List list;
     list.Add (0x0008, 0x0016);
     Attribute *high = list.Add (0x0030, 0x0010);
     Attribute *low  = list.Add (0x0010, 0x0010);
@@ -272,7 +272,7 @@ TEST (NemaTagAttribute, OfEqualTagsTheFirstIsFoundAfterASecondWasInserted) {
     Attribute *first = list.Add (0x0030, 0x0010);
     list.Add (0x0020, 0x0010);
     list.Add (0x0050, 0x0010);
-    EXPECT_NE (first, Find (&list, 0x0030, 0x0010));    // The walk ends behind (0020,0010).
+    EXPECT_NE (first, Find (&list, 0x0030, 0x0010)); // The walk ends behind (0020,0010).
     EXPECT_EQ ("(0030,0010) (0020,0010) (0030,0010) (0050,0010)", Outline (list.first));
     EXPECT_EQ (first, Get (&list, 0x0030, 0x0010));
 }
@@ -291,7 +291,8 @@ TEST (NemaTagAttribute, OrderedPlacementInAnyOrderGivesASortedList) {
     uint32_t  seed = 12345;
     for (int i = 0; i < 500; i++) {
         seed = seed * 1664525 + 1013904223;
-        ASSERT_NE (nullptr, Find (&list, static_cast<uint16_t> (seed >> 28), static_cast<uint16_t> (seed >> 20 & 0x3F)));
+        ASSERT_NE (nullptr,
+                   Find (&list, static_cast<uint16_t> (seed >> 28), static_cast<uint16_t> (seed >> 20 & 0x3F)));
         if (i % 7 == 0) Get (&list, static_cast<uint16_t> (seed >> 27 & 0xF), 0x10);
     }
     for (Attribute *record = list.first; record->next; record = record->next)
@@ -418,8 +419,8 @@ TEST (NemaTagAttribute, TypesComeFromTheReferenceAtEveryDepth) {
         one->Close ();
         one->Reset ();
     }
-    reference.first->type               = Code ('1', ' ');
-    reference.first->vr                 = VR_UI;
+    reference.first->type                = Code ('1', ' ');
+    reference.first->vr                  = VR_UI;
     reference.first->next->item[0]->type = Code ('2', 'C');
     reference.first->next->item[0]->vr   = VR_SH;
     list.first->next->item[1]->vr        = VR_LO;
@@ -498,7 +499,10 @@ TEST (NemaTagAttribute, AFailedItemSlotIsWarnedAboutWithTheTag) {
     Memory_Fail_At (1);
     EXPECT_EQ (nullptr, DICOM_Attribute_Insert (nullptr, &list.cursor, &list.first, &source, 0));
     EXPECT_TRUE (log.Contains ("of NEMA_Tag_Attribute \nmemory error in realloc (var=pt->item, dim=1x8)"));
-    EXPECT_TRUE (log.Has (LOG_WARNING, "    \xF1\x05" "Failed\x02 to insert tag(\x01" "000A\x02,\x01" "01AF\x02)"));
+    EXPECT_TRUE (log.Has (LOG_WARNING, "    \xF1\x05"
+                                       "Failed\x02 to insert tag(\x01"
+                                       "000A\x02,\x01"
+                                       "01AF\x02)"));
 }
 
 TEST (NemaTagAttribute, TheRecordAndItsItemsAreNamedInTheMessages) {
@@ -554,7 +558,8 @@ TEST (NemaTagAttribute, ManySequencesInOrderCostLinearTime) {
         [] (int size) {
             Test_List list;
             for (int i = 0; i < size; i++) {
-                uint16_t group = static_cast<uint16_t> (0x0040 + (i >> 12)), element = static_cast<uint16_t> (i & 0xFFF);
+                uint16_t group   = static_cast<uint16_t> (0x0040 + (i >> 12)),
+                         element = static_cast<uint16_t> (i & 0xFFF);
                 list.Add (group, element, "SQ");
                 list.Open (group, element);
                 list.Item ();

@@ -26,16 +26,16 @@ static void Describe (Attribute *attribute, const char *text) {
 
 TEST (NemaTagCopy, EveryScalarIsTaken) {
     Test_List  list;
-    Attribute *target     = DICOM_Attribute_Find_Or_Insert (nullptr, &list.cursor, &list.first, 0x0010, 0x0010);
-    Attribute  source     = Record (0x0010, 0x0010, "PN", "Doe^John", ORIGIN_DICOM | RETIRED);
-    source.mode           = MODE_EXPLICIT;
-    source.vr             = VR_LO;
-    source.type           = Code ('1', 'C');
-    source.pos_tag        = 100;
-    source.pos_data       = 108;
-    source.diff_a         = 5;
-    source.diff_b         = 6;
-    source.definition     = reinterpret_cast<const Dictionary_Entry *> (&list);
+    Attribute *target = DICOM_Attribute_Find_Or_Insert (nullptr, &list.cursor, &list.first, 0x0010, 0x0010);
+    Attribute  source = Record (0x0010, 0x0010, "PN", "Doe^John", ORIGIN_DICOM | RETIRED);
+    source.mode       = MODE_EXPLICIT;
+    source.vr         = VR_LO;
+    source.type       = Code ('1', 'C');
+    source.pos_tag    = 100;
+    source.pos_data   = 108;
+    source.diff_a     = 5;
+    source.diff_b     = 6;
+    source.definition = reinterpret_cast<const Dictionary_Entry *> (&list);
     Describe (&source, "Name");
     ASSERT_EQ (1, Copy_Onto (&list, target, &source));
     EXPECT_EQ (MODE_EXPLICIT, target->mode);
@@ -56,18 +56,18 @@ TEST (NemaTagCopy, EveryScalarIsTaken) {
 
 TEST (NemaTagCopy, ZeroFieldsOfTheSourceLeaveTheTarget) {
     Test_List  list;
-    Attribute *target = DICOM_Attribute_Find_Or_Insert (nullptr, &list.cursor, &list.first, 0x0010, 0x0010);
-    target->mode      = MODE_BIG_ENDIAN;
-    target->vr        = VR_PN;
-    target->vr_file   = VR_PN;
-    target->type      = Code ('2', ' ');
-    target->pos_tag   = 7;
-    target->pos_data  = 8;
-    target->diff_a    = 9;
-    target->diff_b    = 10;
+    Attribute *target      = DICOM_Attribute_Find_Or_Insert (nullptr, &list.cursor, &list.first, 0x0010, 0x0010);
+    target->mode           = MODE_BIG_ENDIAN;
+    target->vr             = VR_PN;
+    target->vr_file        = VR_PN;
+    target->type           = Code ('2', ' ');
+    target->pos_tag        = 7;
+    target->pos_data       = 8;
+    target->diff_a         = 9;
+    target->diff_b         = 10;
     Dictionary_Entry known = {};
     target->definition     = &known;
-    Attribute source  = Record (0x0010, 0x0010, "", "", 0);
+    Attribute source       = Record (0x0010, 0x0010, "", "", 0);
     ASSERT_EQ (1, Copy_Onto (&list, target, &source));
     EXPECT_EQ (MODE_BIG_ENDIAN, target->mode);
     EXPECT_EQ (VR_PN, target->vr);
@@ -90,9 +90,9 @@ TEST (NemaTagCopy, AnUnknownVrBecomesUn) {
 }
 
 TEST (NemaTagCopy, ValuesAreSharedNotCopied) {
-    Test_List list;
-    Attribute source = Record (0x0010, 0x0010, "PN", "Doe^John");
-    uint8_t  *bytes  = source.data;
+    Test_List  list;
+    Attribute  source = Record (0x0010, 0x0010, "PN", "Doe^John");
+    uint8_t   *bytes  = source.data;
     Attribute *target = DICOM_Attribute_Insert (nullptr, &list.cursor, &list.first, &source, 0);
     EXPECT_EQ (bytes, target->data);
     Value_Release (&source);
@@ -148,10 +148,10 @@ TEST (NemaTagCopy, AnEmptyDescriptionRemovesTheOld) {
 
 TEST (NemaTagCopy, TheTagIsRecordedOnTheCursor) {
     Test_List  list;
-    Attribute *target     = list.Add (0x0010, 0x0010);
-    list.cursor.flags[0]  = 99;
-    list.cursor.group[0]  = 99;
-    Attribute source      = Record (0x0010, 0x0010);
+    Attribute *target    = list.Add (0x0010, 0x0010);
+    list.cursor.flags[0] = 99;
+    list.cursor.group[0] = 99;
+    Attribute source     = Record (0x0010, 0x0010);
     ASSERT_EQ (1, Copy_Onto (&list, target, &source));
     EXPECT_EQ (0x0010, list.cursor.group[0]);
     EXPECT_EQ (0x0010, list.cursor.element[0]);
@@ -162,7 +162,7 @@ TEST (NemaTagCopy, TheTagIsRecordedOnTheCursor) {
 
 struct Append_Case {
     const char *vr;
-    const char *result;     // Of "X" with "ABC" appended.
+    const char *result; // Of "X" with "ABC" appended.
 };
 
 TEST (NemaTagCopy, AppendingFollowsTheVr) {
@@ -304,7 +304,7 @@ TEST (NemaTagCopy, AnAppendingSourceAddsItsItemsBehind) {
     Fill_Items (&target, 1, "A ");
     Log_Recorder log (5);
     ASSERT_EQ (1, Copy_List (&target, &source));
-    EXPECT_EQ (3, log.Count (LOG_TRACE5, "-> root->Item_Number[1] = "));    // Each start has its stop.
+    EXPECT_EQ (3, log.Count (LOG_TRACE5, "-> root->Item_Number[1] = ")); // Each start has its stop.
     EXPECT_EQ (3, log.Count (LOG_TRACE5, "-> Item_Number[1] = 3") + log.Count (LOG_TRACE5, "-> Item_Number[1] = 2"));
     ASSERT_EQ (3, target.first->nb_item);
     EXPECT_EQ ("A ", Value (target.first->item[0]));

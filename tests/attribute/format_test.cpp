@@ -103,7 +103,7 @@ TEST (Format, DefinedLengthsCloseByPosition) {
     for (int i = 0; i < 2; i++) {
         Attribute *item = flat.Item (0);
         flat.Add (0x0008, 0x1150, "UI", "1.2 ");
-        Attribute *inner = flat.Length (0, 0x0040, 0xA170, "SQ");
+        Attribute *inner      = flat.Length (0, 0x0040, 0xA170, "SQ");
         Attribute *inner_item = flat.Item (0);
         flat.Add (0x0008, 0x0100, "SH", "A ");
         inner_item->length = static_cast<int32_t> (flat.position - inner_item->pos_data);
@@ -206,8 +206,10 @@ TEST (Format, AnUndefinedSequenceFollowedByATagDoesNotOpen) {
         if (!last) flat.Add (0x0010, 0x0010, "PN", "A ");
         Nested nested (&flat);
         EXPECT_EQ (last ? "(0008,1140)" : "(0008,1140) (0010,0010)", Outline (nested.first));
-        EXPECT_TRUE (log.Has (LOG_WARNING, "    \xF1\x05WARNING:\x02 (\x01" "0008\x02,\x01" "1140\x02) Syntax Error! "
-                              "VR=SQ should be followed by an \"item\" tag"));
+        EXPECT_TRUE (log.Has (LOG_WARNING, "    \xF1\x05WARNING:\x02 (\x01"
+                                           "0008\x02,\x01"
+                                           "1140\x02) Syntax Error! "
+                                           "VR=SQ should be followed by an \"item\" tag"));
         EXPECT_TRUE (nested.first->flags & DELETED);
     }
 }
@@ -221,7 +223,7 @@ TEST (Format, UndefinedBytesMustBeFollowedByAnItem) {
         Nested nested (&flat);
         EXPECT_TRUE (nested.first->flags & DELETED);
         EXPECT_EQ (1, log.Count (LOG_WARNING, std::string ("    WARNING: (7fe0,0010) Syntax Error! VR=") + vr +
-                                 " Variable length tag should be followed by an \"item\" tag"));
+                                                  " Variable length tag should be followed by an \"item\" tag"));
     }
 }
 
@@ -254,7 +256,9 @@ TEST (Format, DescendingTagsAtTheTopWarnOnce) {
     flat.Add (0x0008, 0x0016, "UI", "A ");
     Nested nested (&flat);
     EXPECT_EQ ("(0020,0010) (0010,0010) (0008,0016)", Outline (nested.first));
-    EXPECT_TRUE (log.Has (LOG_WARNING, "    \xF1\x05WARNING:\x02 (\x01" "0010\x02,\x01" "0010\x02) tags should be sorted!"));
+    EXPECT_TRUE (log.Has (LOG_WARNING, "    \xF1\x05WARNING:\x02 (\x01"
+                                       "0010\x02,\x01"
+                                       "0010\x02) tags should be sorted!"));
     EXPECT_EQ (1, log.Count (LOG_WARNING));
 }
 
@@ -321,7 +325,7 @@ TEST (Format, AnUnknownTagFollowedByAnItemBecomesASequence) {
         flat.Add (0x0008, 0x0100, "SH", "A ");
         flat.Item_End ();
         if (defined) unknown->length = static_cast<int32_t> (flat.position - unknown->pos_data);
-        else         flat.Sequence_End ();
+        else flat.Sequence_End ();
         flat.Add (0x0010, 0x0010, "PN", "A ");
         Nested nested (&flat);
         EXPECT_EQ (LENGTH_UNDEFINED, nested.first->length);
@@ -354,7 +358,7 @@ TEST (Format, ItemsAndDelimitersNeverOpenASequence) {
 }
 
 TEST (Format, AFreshDepthForgetsTheEndsOfAnOlderSequence) {
-    for (int reach : {26, 1000}) {      // Up to an attribute of what follows, and behind all of it.
+    for (int reach : {26, 1000}) { // Up to an attribute of what follows, and behind all of it.
         Flat       flat;
         Attribute *first = flat.Length (0, 0x0008, 0x1140, "SQ");
         Attribute *item  = flat.Item (0);
@@ -401,12 +405,12 @@ TEST (Format, AnItemEndsWithTheSequenceInItThatReachesItsEnd) {
 // --- marks -----------------------------------------------------------------
 
 TEST (Format, RetiredAndPrivateTagsAreMarked) {
-    Log_Recorder log;
-    Flat         flat;
-    Dictionary_Entry retired = {};
-    retired.name             = "Length to End";
-    retired.nb_vr            = -1;
-    retired.vr[0]            = VR_UL;
+    Log_Recorder     log;
+    Flat             flat;
+    Dictionary_Entry retired                    = {};
+    retired.name                                = "Length to End";
+    retired.nb_vr                               = -1;
+    retired.vr[0]                               = VR_UL;
     flat.Add (0x0008, 0x0001, "UL")->definition = &retired;
     flat.Add (0x0009, 0x0010, "LO", "MAKER ");
     Nested nested (&flat);
@@ -461,13 +465,11 @@ TEST (Format, StepsAreTraced) {
 
 // --- VR check --------------------------------------------------------------
 
-static int Check (Attribute *attribute) {
-    return DICOM_Attribute_VR_Check (nullptr, &warning_settings, attribute);
-}
+static int Check (Attribute *attribute) { return DICOM_Attribute_VR_Check (nullptr, &warning_settings, attribute); }
 
 TEST (FormatVrCheck, KnownExplicitVrsAreKeptAndOthersDropped) {
-    for (const char *vr : {"AE", "AS", "AT", "CS", "DA", "DS", "DT", "FD", "FL", "IS", "LO", "LT", "OB", "OW", "PN", "SH",
-                           "SL", "SQ", "SS", "ST", "TM", "UH", "UI", "UL", "UN", "US"}) {
+    for (const char *vr : {"AE", "AS", "AT", "CS", "DA", "DS", "DT", "FD", "FL", "IS", "LO", "LT", "OB",
+                           "OW", "PN", "SH", "SL", "SQ", "SS", "ST", "TM", "UH", "UI", "UL", "UN", "US"}) {
         Attribute attribute = Record (0x0010, 0x0010, vr);
         EXPECT_EQ (1, Check (&attribute)) << vr;
         EXPECT_EQ (Code (vr[0], vr[1]), attribute.vr_file) << vr;
@@ -487,15 +489,16 @@ TEST (FormatVrCheck, OxBecomesOwWithAWarning) {
     EXPECT_EQ (1, Check (&attribute));
     EXPECT_EQ (VR_OW, attribute.vr_file);
     EXPECT_TRUE (attribute.flags & SYNTAX_ERROR);
-    EXPECT_TRUE (log.Has (LOG_WARNING,
-                          "    \xF1\x05WARNING:\x02 (\x01" "7fe0\x02,\x01" "0010\x02) Explicit VR=OX is invalid!"));
+    EXPECT_TRUE (log.Has (LOG_WARNING, "    \xF1\x05WARNING:\x02 (\x01"
+                                       "7fe0\x02,\x01"
+                                       "0010\x02) Explicit VR=OX is invalid!"));
 }
 
 TEST (FormatVrCheck, MismatchesNameOneTwoOrThreeVrs) {
-    Dictionary_Entry entry = {};
-    entry.vr[0]            = VR_US;
-    entry.vr[1]            = VR_SS;
-    entry.vr[2]            = VR_OW;
+    Dictionary_Entry entry           = {};
+    entry.vr[0]                      = VR_US;
+    entry.vr[1]                      = VR_SS;
+    entry.vr[2]                      = VR_OW;
     static const char *const texts[] = {
         "    (0028,1200)  Explicit VR (=LO) does not match definition! (=US)",
         "    (0028,1200)  Explicit VR (=LO) does not match definition! (=US or SS)",
@@ -551,7 +554,7 @@ TEST (FormatVrCheck, ThePlaceholderIsResolvedByLength) {
 
 struct Guess_Case {
     std::string value;
-    const char *vr;         // "" when nothing can be guessed.
+    const char *vr; // "" when nothing can be guessed.
 };
 
 static void Expect_Guess (const Guess_Case &one, uint16_t group, uint16_t element, uint8_t mode = 0) {
@@ -567,39 +570,39 @@ static void Expect_Guess (const Guess_Case &one, uint16_t group, uint16_t elemen
 TEST (FormatVrCheck, TextsAreGuessedFromTheirCharacters) {
     static const std::string nul (1, '\0');
     static const Guess_Case  cases[] = {
-        {"1.2.840.10008" + nul, "UI"},                      // padded, digits and dots
-        {"1.2" + nul, "UI"},
-        {"1/2" + nul, "UI"},
-        {"1.2\\3.4" + nul, "UI"},                           // the backslash separates
-        {"1.2.840.10008.12", "DS"},                         // 16 characters
-        {"1.2.840.10008.123", "UI"},                        // 17
-        {std::string (64, '1'), "UI"},
-        {std::string (65, '1'), "ST"},
-        {std::string (65, '1') + nul, "UI"},
-        {"12\\-5", "IS"},
-        {"12/24 ", "IS"},
-        {"  +5  ", "IS"},
-        {"            ", "IS"},                             // twelve blanks: nothing is in no set
-        {"             ", "DS"},
-        {std::string (17, ' '), "ST"},
-        {"123456789012", "IS"},
-        {"1234567890123", "DS"},
-        {"123456789012\\1", "DS"},                          // the longest piece counts its backslash
-        {"12345678901\\1", "IS"},
-        {"3.5E2 ", "DS"},
-        {"3.5e-2", "DS"},
-        {"3.5/2 ", "DS"},
-        {"AXIAL ", "CS"},
-        {"A_B 1/2\\X", "CS"},
-        {"ABCDEFGHIJKLMNOP", "CS"},
-        {"ABCDEFGHIJKLMNOPQ", "ST"},
-        {"Axial ", "ST"},
-        {"Axial\\Coronal ", "SH"},
-        {"AXIAL" + nul, "CS"},
-        {"Axial is the name\\b ", "ST"},
-        {"abcdefghijklmno\\b ", "SH"},                      // 16 with the backslash
-        {"abcdefghijklmnop\\b", "ST"},
-        {"12" + nul + nul, "SL"},                           // two zeros: no text, a number of four bytes
+         {"1.2.840.10008" + nul, "UI"}, // padded, digits and dots
+         {"1.2" + nul, "UI"},
+         {"1/2" + nul, "UI"},
+         {"1.2\\3.4" + nul, "UI"},    // the backslash separates
+         {"1.2.840.10008.12", "DS"},  // 16 characters
+         {"1.2.840.10008.123", "UI"}, // 17
+         {std::string (64, '1'), "UI"},
+         {std::string (65, '1'), "ST"},
+         {std::string (65, '1') + nul, "UI"},
+         {"12\\-5", "IS"},
+         {"12/24 ", "IS"},
+         {"  +5  ", "IS"},
+         {"            ", "IS"}, // twelve blanks: nothing is in no set
+         {"             ", "DS"},
+         {std::string (17, ' '), "ST"},
+         {"123456789012", "IS"},
+         {"1234567890123", "DS"},
+         {"123456789012\\1", "DS"}, // the longest piece counts its backslash
+         {"12345678901\\1", "IS"},
+         {"3.5E2 ", "DS"},
+         {"3.5e-2", "DS"},
+         {"3.5/2 ", "DS"},
+         {"AXIAL ", "CS"},
+         {"A_B 1/2\\X", "CS"},
+         {"ABCDEFGHIJKLMNOP", "CS"},
+         {"ABCDEFGHIJKLMNOPQ", "ST"},
+         {"Axial ", "ST"},
+         {"Axial\\Coronal ", "SH"},
+         {"AXIAL" + nul, "CS"},
+         {"Axial is the name\\b ", "ST"},
+         {"abcdefghijklmno\\b ", "SH"}, // 16 with the backslash
+         {"abcdefghijklmnop\\b", "ST"},
+         {"12" + nul + nul, "SL"}, // two zeros: no text, a number of four bytes
     };
     for (const Guess_Case &one : cases) Expect_Guess (one, 0x0019, 0x1001);
 }
@@ -608,15 +611,15 @@ TEST (FormatVrCheck, OtherBytesAreGuessedFromTheirLength) {
     static const Guess_Case cases[] = {
         {std::string ("\x01\x02", 2), "SS"},
         {std::string ("\x00\x00", 2), "SS"},
-        {std::string ("\x3F\x42\x0F\x00", 4), "SL"},        // 999999
-        {std::string ("\x40\x42\x0F\x00", 4), "FL"},        // 1000000: a tiny float
-        {std::string ("\xC1\xBD\xF0\xFF", 4), "SL"},        // -999999
-        {std::string ("\x00\x00\x80\x3F", 4), "FL"},        // 1.0
-        {std::string ("\x00\x50\xC3\x47", 4), ""},          // 100000.0
-        {std::string ("\xFF\x4F\xC3\x47", 4), "FL"},        // just below
-        {std::string ("\x00\x50\xC3\xC7", 4), ""},          // -100000.0
-        {std::string ("\x00\x00\x00\x80", 4), ""},          // -0.0
-        {std::string ("\x00\x00\xC0\x7F", 4), ""},          // not a number
+        {std::string ("\x3F\x42\x0F\x00", 4), "SL"}, // 999999
+        {std::string ("\x40\x42\x0F\x00", 4), "FL"}, // 1000000: a tiny float
+        {std::string ("\xC1\xBD\xF0\xFF", 4), "SL"}, // -999999
+        {std::string ("\x00\x00\x80\x3F", 4), "FL"}, // 1.0
+        {std::string ("\x00\x50\xC3\x47", 4), ""},   // 100000.0
+        {std::string ("\xFF\x4F\xC3\x47", 4), "FL"}, // just below
+        {std::string ("\x00\x50\xC3\xC7", 4), ""},   // -100000.0
+        {std::string ("\x00\x00\x00\x80", 4), ""},   // -0.0
+        {std::string ("\x00\x00\xC0\x7F", 4), ""},   // not a number
         {std::string ("\x01\x02\x03", 3), ""},
         {std::string ("\x01\x02\x03\x04\x05\x06", 6), ""},
         {std::string ("\xE4\x62", 2), "SS"},

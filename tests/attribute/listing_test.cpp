@@ -41,9 +41,7 @@ private:
     std::unique_ptr<uint8_t[]> block;
 };
 
-static std::string Text_Of (const char *vr, const std::string &bytes) {
-    return Sample (vr, bytes).Text ();
-}
+static std::string Text_Of (const char *vr, const std::string &bytes) { return Sample (vr, bytes).Text (); }
 
 // count pieces, joined.
 static std::string Repeat (const std::string &piece, int count, const std::string &separator) {
@@ -135,21 +133,19 @@ TEST (ListingDataText, NumbersAreShownUpToTheirLimit) {
         const char *vr, *zero, *separator;
         int         size, shown;
     };
-    static const Limit limits[] = {
-        {"OW", "0000",        " ",   2, 32},
-        {"FL", "0.000",       " / ", 4, 16},
-        {"FD", "0.000",       " / ", 8, 16},
-        {"OB", "00",          " ",   1, 32},
-        {"AT", "(0000,0000)", " / ", 4, 16},
-        {"SS", "0",           " / ", 2, 16},
-        {"US", "0",           " / ", 2, 16},
-        {"SL", "0",           " / ", 4, 16},
-        {"UL", "0",           " / ", 4, 16},
-        {"TM", "00",          " ",   1, 16},
-        {"OF", "00",          " ",   1, 16},
-        {"UH", "00",          " ",   1, 16},
-        {"",   "00",          " ",   1, 16}
-    };
+    static const Limit limits[] = {{"OW", "0000", " ", 2, 32},
+                                   {"FL", "0.000", " / ", 4, 16},
+                                   {"FD", "0.000", " / ", 8, 16},
+                                   {"OB", "00", " ", 1, 32},
+                                   {"AT", "(0000,0000)", " / ", 4, 16},
+                                   {"SS", "0", " / ", 2, 16},
+                                   {"US", "0", " / ", 2, 16},
+                                   {"SL", "0", " / ", 4, 16},
+                                   {"UL", "0", " / ", 4, 16},
+                                   {"TM", "00", " ", 1, 16},
+                                   {"OF", "00", " ", 1, 16},
+                                   {"UH", "00", " ", 1, 16},
+                                   {"", "00", " ", 1, 16}};
     for (const Limit &limit : limits) {
         int         bytes = limit.size * limit.shown;
         std::string full  = Repeat (limit.zero, limit.shown, limit.separator);
@@ -204,7 +200,7 @@ TEST (ListingDataText, EveryBytePatternFitsTheBuffer) {
             for (size_t length : {1u, 3u, 8u, 64u, 128u, 129u, 250u, 251u, 600u}) {
                 std::vector<char> buffer (LISTING_TEXT_SIZE);
                 Sample            sample (vr, std::string (length, static_cast<char> (byte)));
-                const char *text = DICOM_Attribute_Data_Text (nullptr, &sample.attribute, buffer.data ());
+                const char       *text = DICOM_Attribute_Data_Text (nullptr, &sample.attribute, buffer.data ());
                 ASSERT_EQ (buffer.data (), text);
                 ASSERT_LT (strnlen (text, buffer.size ()), buffer.size ());
             }
@@ -308,9 +304,7 @@ static std::string Raw_Line (Attribute *attribute, int depth = 0) {
     return log.lines[0].text;
 }
 
-static std::string Clean_Line (Attribute *attribute, int depth = 0) {
-    return Clean (Raw_Line (attribute, depth));
-}
+static std::string Clean_Line (Attribute *attribute, int depth = 0) { return Clean (Raw_Line (attribute, depth)); }
 
 static char description_text[] = "Patient's Name";
 
@@ -333,7 +327,9 @@ TEST (ListingLine, ShowsAllFieldsInColumns) {
 TEST (ListingLine, CarriesItsColours) {
     Sample    sample ("PN", "DOE^JOHN");
     Attribute attribute = Name_Attribute (&sample);
-    EXPECT_EQ ("(\x01" "0010\x02,\x01" "ab10\x02) \xF1\x01(DICOM)   \xF0 \x05 Patient's Name                          "
+    EXPECT_EQ ("(\x01"
+               "0010\x02,\x01"
+               "ab10\x02) \xF1\x01(DICOM)   \xF0 \x05 Patient's Name                          "
                "\x02 (\x01PN\x02,2 ,8   ) DOE^JOHN",
                Raw_Line (&attribute));
 }
@@ -348,7 +344,10 @@ TEST (ListingLine, IsIndentedByDepth) {
 TEST (ListingLine, SyntaxErrorMakesTheTagRed) {
     Attribute attribute = {};
     attribute.flags     = SYNTAX_ERROR;
-    EXPECT_EQ ("(\x04" "0000\x02,\x04" "0000\x02) ", Raw_Line (&attribute).substr (0, 16));
+    EXPECT_EQ ("(\x04"
+               "0000\x02,\x04"
+               "0000\x02) ",
+               Raw_Line (&attribute).substr (0, 16));
 }
 
 TEST (ListingLine, OriginHasAnOrder) {
@@ -357,22 +356,21 @@ TEST (ListingLine, OriginHasAnOrder) {
         const char *label;
     };
     static const Case cases[] = {
-        {0,                                                                           "\xF1\x02          \xF0"},
-        {3,                                                                           "\xF1\x02          \xF0"},
-        {8,                                                                           "\xF1\x02          \xF0"},
-        {ORIGIN_DICOM,                                                                "\xF1\x01(DICOM)   \xF0"},
-        {ORIGIN_KEST,                                                                 "\xF1\x01(Kest)    \xF0"},
-        {ORIGIN_MODULE,                                                               "\xF1\x01(Module)  \xF0"},
-        {ORIGIN_MODULE | CONVERTER | SYNTAX_ERROR | VR_UNKNOWN,                       "\xF1\x01(Module)  \xF0"},
-        {RETIRED | ORIGIN_DICOM,                                                      "\xF1\x05(Retired) \xF0"},
-        {PRIVATE | RETIRED | ORIGIN_DICOM,                                            "\xF1\x05(Private) \xF0"},
-        {DELETED | PRIVATE | RETIRED,                                                 "\xF1\x04(Deleted) \xF0"},
-        {INVALID | DELETED | PRIVATE | RETIRED,                                       "\xF1\x04(Invalid) \xF0"},
-        {DEFAULT | INVALID | DELETED | PRIVATE | RETIRED,                             "\xF1\x05(Default) \xF0"},
-        {FORCED | DEFAULT | INVALID | DELETED | PRIVATE | RETIRED,                    "\xF1\x05(Forced)  \xF0"},
-        {APPEND | FORCED | DEFAULT | INVALID | DELETED | PRIVATE | RETIRED,           "\xF1\x05(Append)  \xF0"},
-        {APPEND | ORIGIN_KEST,                                                        "\xF1\x05(Append)  \xF0"}
-    };
+        {0, "\xF1\x02          \xF0"},
+        {3, "\xF1\x02          \xF0"},
+        {8, "\xF1\x02          \xF0"},
+        {ORIGIN_DICOM, "\xF1\x01(DICOM)   \xF0"},
+        {ORIGIN_KEST, "\xF1\x01(Kest)    \xF0"},
+        {ORIGIN_MODULE, "\xF1\x01(Module)  \xF0"},
+        {ORIGIN_MODULE | CONVERTER | SYNTAX_ERROR | VR_UNKNOWN, "\xF1\x01(Module)  \xF0"},
+        {RETIRED | ORIGIN_DICOM, "\xF1\x05(Retired) \xF0"},
+        {PRIVATE | RETIRED | ORIGIN_DICOM, "\xF1\x05(Private) \xF0"},
+        {DELETED | PRIVATE | RETIRED, "\xF1\x04(Deleted) \xF0"},
+        {INVALID | DELETED | PRIVATE | RETIRED, "\xF1\x04(Invalid) \xF0"},
+        {DEFAULT | INVALID | DELETED | PRIVATE | RETIRED, "\xF1\x05(Default) \xF0"},
+        {FORCED | DEFAULT | INVALID | DELETED | PRIVATE | RETIRED, "\xF1\x05(Forced)  \xF0"},
+        {APPEND | FORCED | DEFAULT | INVALID | DELETED | PRIVATE | RETIRED, "\xF1\x05(Append)  \xF0"},
+        {APPEND | ORIGIN_KEST, "\xF1\x05(Append)  \xF0"}};
     for (const Case &one : cases) {
         Attribute attribute = {};
         attribute.flags     = static_cast<uint16_t> (one.flags);
@@ -385,16 +383,10 @@ TEST (ListingLine, TypeColoursTheDescription) {
         uint16_t    type;
         const char *colour, *text;
     };
-    static const Case cases[] = {
-        {Code ('1', ' '), "\x04", ",1 ,"},
-        {Code ('1', 'C'), "\x04", ",1C,"},
-        {Code ('2', ' '), "\x05", ",2 ,"},
-        {Code ('2', 'C'), "\x05", ",2C,"},
-        {Code ('3', ' '), "\x06", ",3 ,"},
-        {Code ('3', 'C'), "\x02", ",3C,"},
-        {Code ('X', 'Y'), "\x02", ",XY,"},
-        {0,               "\x02", ",--,"}
-    };
+    static const Case cases[] = {{Code ('1', ' '), "\x04", ",1 ,"}, {Code ('1', 'C'), "\x04", ",1C,"},
+                                 {Code ('2', ' '), "\x05", ",2 ,"}, {Code ('2', 'C'), "\x05", ",2C,"},
+                                 {Code ('3', ' '), "\x06", ",3 ,"}, {Code ('3', 'C'), "\x02", ",3C,"},
+                                 {Code ('X', 'Y'), "\x02", ",XY,"}, {0, "\x02", ",--,"}};
     for (const Case &one : cases) {
         Attribute attribute = {};
         attribute.type      = one.type;
@@ -408,14 +400,12 @@ TEST (ListingLine, PrefixHasAnOrder) {
         int  flags;
         char prefix;
     };
-    static const Case cases[] = {
-        {0,                                     ' '},
-        {INVALID | PRIVATE,                     ' '},
-        {APPEND,                                '+'},
-        {APPEND | CONVERTER,                    'o'},
-        {APPEND | CONVERTER | FORCED,           '!'},
-        {APPEND | CONVERTER | FORCED | DEFAULT, '='}
-    };
+    static const Case cases[] = {{0, ' '},
+                                 {INVALID | PRIVATE, ' '},
+                                 {APPEND, '+'},
+                                 {APPEND | CONVERTER, 'o'},
+                                 {APPEND | CONVERTER | FORCED, '!'},
+                                 {APPEND | CONVERTER | FORCED | DEFAULT, '='}};
     for (const Case &one : cases) {
         Attribute attribute = {};
         attribute.flags     = static_cast<uint16_t> (one.flags);
@@ -429,15 +419,27 @@ TEST (ListingLine, VrShowsWhereItComesFrom) {
         int         flags;
         const char *text;
     };
-    static const Case cases[] = {
-        {VR_CS, 0,     0,          " (\x01" "CS\x02,"            },
-        {VR_CS, VR_LO, 0,          " (\x01" "CS\x02,"            },
-        {0,     VR_LO, 0,          " (\x06" "LO\x02,"            },
-        {0,     0,     0,          " (\x06" "--\x02,"            },
-        {VR_UN, 0,     VR_UNKNOWN, " (\xF1\x04" "UN\xF0\x02,"    },
-        {0,     VR_UN, VR_UNKNOWN, " (\xF1\x04" "UN\xF0\x02,"    },
-        {0,     0,     VR_UNKNOWN, " (\xF1\x04" "--\xF0\x02,"    }
-    };
+    static const Case cases[] = {{VR_CS, 0, 0,
+                                  " (\x01"
+                                  "CS\x02,"},
+                                 {VR_CS, VR_LO, 0,
+                                  " (\x01"
+                                  "CS\x02,"},
+                                 {0, VR_LO, 0,
+                                  " (\x06"
+                                  "LO\x02,"},
+                                 {0, 0, 0,
+                                  " (\x06"
+                                  "--\x02,"},
+                                 {VR_UN, 0, VR_UNKNOWN,
+                                  " (\xF1\x04"
+                                  "UN\xF0\x02,"},
+                                 {0, VR_UN, VR_UNKNOWN,
+                                  " (\xF1\x04"
+                                  "UN\xF0\x02,"},
+                                 {0, 0, VR_UNKNOWN,
+                                  " (\xF1\x04"
+                                  "--\xF0\x02,"}};
     for (const Case &one : cases) {
         Attribute attribute = {};
         attribute.vr_file   = one.vr_file;
@@ -448,7 +450,7 @@ TEST (ListingLine, VrShowsWhereItComesFrom) {
 }
 
 TEST (ListingLine, DescriptionHasFortyBytes) {
-    static const Dictionary_Entry entry = {0, 0, 0, 1, "Name of the dictionary", {}, {}};
+    static const Dictionary_Entry entry     = {0, 0, 0, 1, "Name of the dictionary", {}, {}};
     Attribute                     attribute = {};
     EXPECT_EQ ("Unknown tag" + std::string (29, ' '), Clean_Line (&attribute).substr (24, 40));
     attribute.definition = &entry;
@@ -467,7 +469,9 @@ TEST (ListingLine, DescriptionHasFortyBytes) {
 
 TEST (ListingLine, CodesInTheDescriptionAreBlanks) {
     Attribute   attribute = {};
-    std::string text      = "\xF1\x02" "bold\xF0\x01\x09\xFF" "end\x0A\xEF%s";
+    std::string text      = "\xF1\x02"
+                            "bold\xF0\x01\x09\xFF"
+                            "end\x0A\xEF%s";
     attribute.description = &text[0];
     EXPECT_EQ ("  bold    end\x0A\xEF%s" + std::string (23, ' '), Raw_Line (&attribute).substr (32, 40));
     EXPECT_EQ ("(", Raw_Line (&attribute).substr (74, 1));
@@ -524,8 +528,12 @@ TEST (ListingList, LegendCarriesItsColours) {
     ASSERT_EQ (6u, log.lines.size ());
     EXPECT_EQ ("Stool syntax: group & element color:\x04 red\x02 =syntax error,\x01 blue\x02 =normal",
                log.lines[0].text);
-    EXPECT_EQ ("Stool syntax: possible origin: \x01" "DICOM, \x01Kest, \x01Module, \x05Private, \x05Retired, "
-               "\x04" "Deleted, \x05" "Default, \x05" "Forced",
+    EXPECT_EQ ("Stool syntax: possible origin: \x01"
+               "DICOM, \x01Kest, \x01Module, \x05Private, \x05Retired, "
+               "\x04"
+               "Deleted, \x05"
+               "Default, \x05"
+               "Forced",
                log.lines[1].text);
     EXPECT_EQ ("Stool syntax: description prefix:\xF1\x02!\xF0 forced, \xF1\x02=\xF0 default, \xF1\x02+\xF0 append, "
                "\xF1\x02o\xF0 used by converter",
@@ -539,8 +547,8 @@ TEST (ListingList, LegendCarriesItsColours) {
 }
 
 TEST (ListingList, HeadingStandsAboveItsColumns) {
-    Sample      sample ("PN", "DOE^JOHN");
-    Attribute   attribute = Name_Attribute (&sample);
+    Sample    sample ("PN", "DOE^JOHN");
+    Attribute attribute = Name_Attribute (&sample);
     attribute.flags |= DEFAULT;
     std::string line = Clean_Line (&attribute);
     EXPECT_EQ (HEADING.find ("(grp"), line.find ("(0010"));
@@ -673,7 +681,7 @@ TEST (ListingList, NothingHappensBelowItsTraceLevel) {
 TEST (ListingList, SilentListIsNotWalked) {
     // A list that bites its own tail: a walk would not come back.
     Log_Recorder   log (1);
-    SequenceCursor cursor = {};
+    SequenceCursor cursor    = {};
     Attribute      attribute = {};
     attribute.next           = &attribute;
     DICOM_Attribute_List (nullptr, &cursor, &attribute, LOG_TRACE2);
@@ -681,8 +689,8 @@ TEST (ListingList, SilentListIsNotWalked) {
 }
 
 TEST (ListingList, NestDeeperThanTheCursorEnds) {
-    static const int       DEPTHS = 50000;
-    std::vector<Attribute> sequences (DEPTHS, Attribute {});
+    static const int         DEPTHS = 50000;
+    std::vector<Attribute>   sequences (DEPTHS, Attribute {});
     std::vector<Attribute *> items (DEPTHS);
     Attribute                behind = {};
     behind.group                    = 0x0010;

@@ -8,9 +8,7 @@
 
 static const char *const MODULE = "value_test";
 
-static Attribute Text (const std::string &value) {
-    return Record (0x0008, 0x0060, "CS", value);
-}
+static Attribute Text (const std::string &value) { return Record (0x0008, 0x0060, "CS", value); }
 
 TEST (Value, SharingKeepsOneBlock) {
     long      before = Memory_Live ();
@@ -87,11 +85,11 @@ TEST (Value, ResizingKeepsTheFirstBytes) {
     Attribute a = Text ("ABCD"), b = {};
     b.length = 4;
     Value_Share (&b, &a);
-    ASSERT_EQ (1, Value_Resize (nullptr, HERE ("b", 6, 1), &b, 6));     // shared: a copy
+    ASSERT_EQ (1, Value_Resize (nullptr, HERE ("b", 6, 1), &b, 6)); // shared: a copy
     b.data[4] = b.data[5] = '!';
     b.length              = 6;
     EXPECT_EQ ("ABCD!!", Value (&b));
-    ASSERT_EQ (1, Value_Resize (nullptr, HERE ("b", 2, 1), &b, 2));     // own: in place
+    ASSERT_EQ (1, Value_Resize (nullptr, HERE ("b", 2, 1), &b, 2)); // own: in place
     b.length = 2;
     EXPECT_EQ ("AB", Value (&b));
     EXPECT_EQ ("ABCD", Value (&a));
@@ -135,7 +133,7 @@ TEST (Value, ATextReplacesTheValue) {
 
 TEST (Value, AFileIsViewedAndItsViewOutlivesIt) {
     Temporary_Directory directory;
-    std::string         name = directory.Write ("value.dat", std::string (5000, 'v') + "end!");
+    std::string         name   = directory.Write ("value.dat", std::string (5000, 'v') + "end!");
     long                before = Memory_Live ();
 
     File *file = File_Open (name.c_str ());

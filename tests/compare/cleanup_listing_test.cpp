@@ -17,9 +17,9 @@ static const std::string NUL (1, '\0');
 struct Fault {
     uint16_t    group, element;
     const char *vr;
-    std::string faulty;         // Value as an encoder might write it. Binary values: bytes of the little-endian stream.
-    std::string cleaned;        // What is left of it; "" when it is discarded.
-    int         unit;           // Bytes of one number, 0 for text.
+    std::string faulty;  // Value as an encoder might write it. Binary values: bytes of the little-endian stream.
+    std::string cleaned; // What is left of it; "" when it is discarded.
+    int         unit;    // Bytes of one number, 0 for text.
 };
 
 // In tag order. OF is left out: an explicit OF has a 32-bit length, which the reader takes as one of 16 bits.
@@ -44,7 +44,8 @@ static const std::vector<Fault> faults = {
     {0x0018, 0x6018, "UL", std::string ("\x01\x00\x02\x00\x03", 5), "", 4},
     {0x0018, 0x6020, "SL", std::string ("\xFE\xFF\xFF\xFF", 4), std::string ("\xFE\xFF\xFF\xFF", 4), 4},
     {0x0018, 0x9073, "FD", std::string ("\x00\x00\x00\x00\x00\x00\xF8\x3F\x01\x02\x03\x04", 12), "", 8},
-    {0x0018, 0x9332, "FD", std::string ("\x00\x00\x00\x00\x00\x00\xF8\x3F", 8), std::string ("\x00\x00\x00\x00\x00\x00\xF8\x3F", 8), 8},
+    {0x0018, 0x9332, "FD", std::string ("\x00\x00\x00\x00\x00\x00\xF8\x3F", 8),
+     std::string ("\x00\x00\x00\x00\x00\x00\xF8\x3F", 8), 8},
     {0x0020, 0x0013, "IS", "3000000000", "", 0},
     {0x0028, 0x0009, "AT", std::string ("\x18\x00\x63\x10\x01", 5), "", 2},
     {0x0028, 0x0010, "US", std::string ("\x40\x00\x41", 3), "", 2},
@@ -160,11 +161,18 @@ TEST (CleanupListing, EveryFaultIsCorrectedInEveryByteOrderAndVrMode) {
 
 TEST (CleanupListing, TheColoursTellMarksAndWhereTheVrCameFrom) {
     std::string with_vr = Listing (EXPLICIT_LITTLE), without = Listing (IMPLICIT_LITTLE);
-    EXPECT_NE (std::string::npos, with_vr.find ("(\x04" "0008\x02,\x04" "0008\x02)"));       // syntax error: red
-    EXPECT_NE (std::string::npos, with_vr.find ("(\x01" "0008\x02,\x01" "0020\x02)"));       // rewritten only: blue
-    EXPECT_NE (std::string::npos, with_vr.find ("\x01" "CS"));
-    EXPECT_EQ (std::string::npos, without.find ("\x01" "CS"));
-    EXPECT_NE (std::string::npos, without.find ("\x06" "CS"));
+    EXPECT_NE (std::string::npos, with_vr.find ("(\x04"
+                                                "0008\x02,\x04"
+                                                "0008\x02)")); // syntax error: red
+    EXPECT_NE (std::string::npos, with_vr.find ("(\x01"
+                                                "0008\x02,\x01"
+                                                "0020\x02)")); // rewritten only: blue
+    EXPECT_NE (std::string::npos, with_vr.find ("\x01"
+                                                "CS"));
+    EXPECT_EQ (std::string::npos, without.find ("\x01"
+                                                "CS"));
+    EXPECT_NE (std::string::npos, without.find ("\x06"
+                                                "CS"));
 }
 
 TEST (CleanupListing, AFaultyFileEqualsItsCleanTwin) {
@@ -172,8 +180,8 @@ TEST (CleanupListing, AFaultyFileEqualsItsCleanTwin) {
         Temporary_Directory directory;
         Settings            settings = {};
         settings.mode_start          = Mode (syntax);
-        std::string faulty           = directory.Write ("faulty.dcm", Fault_Stream (syntax, true).bytes);
-        std::string clean            = directory.Write ("clean.dcm", Fault_Stream (syntax, false).bytes);
+        std::string  faulty          = directory.Write ("faulty.dcm", Fault_Stream (syntax, true).bytes);
+        std::string  clean           = directory.Write ("clean.dcm", Fault_Stream (syntax, false).bytes);
         Log_Recorder log;
         // The sequence's own length is the one thing that differs: its item is four bytes longer in the faulty file.
         EXPECT_EQ (1, Comparison_Run (nullptr, &settings, faulty.c_str (), clean.c_str (), 1)) << log.Text (LOG_AUDIT);
@@ -192,7 +200,8 @@ TEST (CleanupListing, FindingsOfBothPassesAreReported) {
     List_Delete (nullptr, &cursor, &list);
     EXPECT_EQ (1, log.Count (LOG_REPORT, "(0008,0020) VR=DA Old syntax! 2024.01.31 should be changed to 20240131"));
     EXPECT_EQ (1, log.Count (LOG_REPORT, "(0008,0020) VR=DA Old syntax! 2024.01.31 changed to 20240131"));
-    EXPECT_EQ (2, log.Count (LOG_WARNING, "(0018,9073) VR=FD Invalid data! Expecting \"Floation Point Double\" but got 12"));
+    EXPECT_EQ (
+        2, log.Count (LOG_WARNING, "(0018,9073) VR=FD Invalid data! Expecting \"Floation Point Double\" but got 12"));
     EXPECT_EQ (1, log.Count (LOG_WARNING, "(0018,1242) VR=IS Invalid data! Expecting VR=IS but got VR=DS"));
     EXPECT_EQ (1, log.Count (LOG_WARNING, "(0018,1242) VR=IS Invalid data! Converted from \"12.7\" to \"12\""));
 }

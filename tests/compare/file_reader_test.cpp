@@ -975,11 +975,11 @@ TEST (FileReader, CompletionHasItsPlace) {
     Stream_Close_Item (&stream);
     Stream_Close_Sequence (&stream);
     reader.Nested (stream.bytes);
-    int banner = Place (log, LOG_TRACE2,
-                        "-----           Complementing the info                                    -----");
-    int start  = Place (log, LOG_TRACE4, "in DICOM_Attribute_Complement()");
-    int item   = Place (log, LOG_TRACE5, "DICOM_Attribute_Complement (fffe,e000)");
-    int drop   = Place (log, LOG_TRACE5, "in DICOM_Attribute_Delete(fffe,ffff)");
+    int banner =
+        Place (log, LOG_TRACE2, "-----           Complementing the info                                    -----");
+    int start = Place (log, LOG_TRACE4, "in DICOM_Attribute_Complement()");
+    int item  = Place (log, LOG_TRACE5, "DICOM_Attribute_Complement (fffe,e000)");
+    int drop  = Place (log, LOG_TRACE5, "in DICOM_Attribute_Delete(fffe,ffff)");
     ASSERT_LT (0, banner);
     EXPECT_LT (banner, start);
     EXPECT_LT (start, item);

@@ -10,9 +10,7 @@
 #include "util/memory.h"
 #include "util/my_error_fct.h"
 
-static int Silent (Window, int, const char *) {
-    return 1;
-}
+static int Silent (Window, int, const char *) { return 1; }
 
 static void Print_Elements (SequenceCursor *cursor, const char *name) {
     Attribute *elements = File_Read_Elements (nullptr, cursor, name);

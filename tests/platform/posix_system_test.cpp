@@ -300,7 +300,8 @@ TEST_F (PosixFiles, ListingNamesWhatIsDirectlyInIt) {
     for (const std::string &path : {directory.path, directory.path.substr (0, directory.path.size () - 1)}) {
         Names names;
         EXPECT_EQ (System_Directory_List (path.c_str (), Collect, &names), 1);
-        EXPECT_EQ (names.names, (std::multiset<std::string> {"dangling", "directory", "fifo", "file", "link", "socket"}));
+        EXPECT_EQ (names.names,
+                   (std::multiset<std::string> {"dangling", "directory", "fifo", "file", "link", "socket"}));
     }
 }
 
@@ -519,8 +520,8 @@ protected:
     std::string Run (const std::string &previous, const std::string &fault) {
         std::string name   = directory.Write ("mapped", std::string (100, 'x'));
         int         status = 0;
-        std::string text =
-            Output (std::string ("exec '") + PLATFORM_CHILD + "' guard " + previous + " " + fault + " " + name, &status);
+        std::string text   = Output (
+              std::string ("exec '") + PLATFORM_CHILD + "' guard " + previous + " " + fault + " " + name, &status);
         return WIFSIGNALED (status) ? "signal " + std::to_string (WTERMSIG (status)) : text;
     }
 

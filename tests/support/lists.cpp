@@ -12,9 +12,7 @@ Test_List::~Test_List () {
     DICOM_Attribute_Delete (nullptr, &cursor, &first, TAG_ANY, TAG_ANY);
 }
 
-void Test_List::Reset () {
-    DICOM_Attribute_Sequence_Reset (nullptr, &cursor);
-}
+void Test_List::Reset () { DICOM_Attribute_Sequence_Reset (nullptr, &cursor); }
 
 Attribute *Test_List::Add (uint16_t group, uint16_t element, const char *vr, const std::string &value) {
     Attribute  record = Record (group, element, vr, value);
@@ -27,13 +25,9 @@ void Test_List::Open (uint16_t group, uint16_t element) {
     DICOM_Attribute_Sequence_Start (nullptr, &cursor, group, element, ORIGIN_DICOM, 0);
 }
 
-void Test_List::Item () {
-    DICOM_Attribute_Item_Start (nullptr, &cursor, 0);
-}
+void Test_List::Item () { DICOM_Attribute_Item_Start (nullptr, &cursor, 0); }
 
-void Test_List::Close () {
-    DICOM_Attribute_Sequence_Stop (nullptr, &cursor, 0);
-}
+void Test_List::Close () { DICOM_Attribute_Sequence_Stop (nullptr, &cursor, 0); }
 
 Attribute Record (uint16_t group, uint16_t element, const char *vr, const std::string &value, uint16_t flags) {
     Attribute record = {};

@@ -7,9 +7,7 @@ static int Record (Window, int kind, const char *text) {
     return kind == LOG_QUESTION ? current->answer : 1;
 }
 
-static int Silent (Window, int, const char *) {
-    return 1;
-}
+static int Silent (Window, int, const char *) { return 1; }
 
 std::string Clean (const std::string &text) {
     std::string clean;
@@ -63,6 +61,4 @@ bool Log_Recorder::Contains (const std::string &part) const {
     return false;
 }
 
-void Log_Recorder::Clear () {
-    lines.clear ();
-}
+void Log_Recorder::Clear () { lines.clear (); }

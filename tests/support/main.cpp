@@ -4,9 +4,7 @@
 
 #include "util/my_error_fct.h"
 
-static int Silent (Window, int, const char *) {
-    return 1;
-}
+static int Silent (Window, int, const char *) { return 1; }
 
 int main (int count, char **words) {
     testing::InitGoogleTest (&count, words);

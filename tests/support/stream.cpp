@@ -21,9 +21,7 @@ static bool Has_Long_Length (const char *vr) {
     return false;
 }
 
-Stream Stream_Begin (Stream_Syntax syntax) {
-    return Stream {syntax, {}, {}};
-}
+Stream Stream_Begin (Stream_Syntax syntax) { return Stream {syntax, {}, {}}; }
 
 Stream Stream_Begin_File (Stream_Syntax syntax, const char *transfer_syntax) {
     static const char *const names[] = {"1.2.840.10008.1.2", "1.2.840.10008.1.2.1", "1.2.840.10008.1.2.2"};

@@ -11,8 +11,8 @@
 static std::atomic<unsigned> counter;
 
 Temporary_Directory::Temporary_Directory () {
-    auto now = std::chrono::steady_clock::now ().time_since_epoch ().count ();
-    auto name = "tagwright-test-" + std::to_string (now) + "-" + std::to_string (counter++);
+    auto now       = std::chrono::steady_clock::now ().time_since_epoch ().count ();
+    auto name      = "tagwright-test-" + std::to_string (now) + "-" + std::to_string (counter++);
     auto directory = std::filesystem::temp_directory_path () / name;
     std::filesystem::create_directories (directory);
     path = directory.string () + System_Separator ();
@@ -23,9 +23,7 @@ Temporary_Directory::~Temporary_Directory () {
     std::filesystem::remove_all (path, ignored);
 }
 
-std::string Temporary_Directory::File (const std::string &name) const {
-    return path + name;
-}
+std::string Temporary_Directory::File (const std::string &name) const { return path + name; }
 
 std::string Temporary_Directory::Write (const std::string &name, const std::vector<unsigned char> &bytes) const {
     std::ofstream stream (path + name, std::ios::binary);

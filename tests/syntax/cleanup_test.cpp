@@ -20,8 +20,8 @@ struct Clean_Case {
     const char *vr;
     std::string value;
     std::string cleaned;
-    int         flags;          // Marks set.
-    std::string findings;       // Without their prefix, "W: " or "N: " before each, each ended by a line feed.
+    int         flags;    // Marks set.
+    std::string findings; // Without their prefix, "W: " or "N: " before each, each ended by a line feed.
 };
 
 static Attribute Present (uint16_t group, const char *vr, const std::string &value) {
@@ -34,7 +34,7 @@ static Attribute Present (uint16_t group, const char *vr, const std::string &val
 static void Expect_Clean (const Clean_Case &one, uint16_t group = 0x0018) {
     Log_Recorder log;
     Attribute    attribute = Present (group, one.vr, one.value), keeper = {};
-    keeper.length          = attribute.length;
+    keeper.length = attribute.length;
     Value_Share (&keeper, &attribute);
     int result = DICOM_Attribute_Cleanup_Tag (nullptr, &warning_settings, &attribute);
     EXPECT_EQ (one.cleaned, Value (&attribute)) << one.vr << " " << one.value;
@@ -53,13 +53,34 @@ TEST (Cleanup, GoodValuesStayAsTheyAreAndCostNoMemory) {
     static const struct {
         const char *vr;
         std::string value;
-    } cases[] = {
-        {"AE", "STATION1"}, {"AE", "STATION "}, {"AS", "045Y"}, {"AT", std::string ("\x10\x00\x10\x00", 4)},
-        {"CS", "ORIGINAL\\PRIMARY"}, {"CS", "AXIAL "}, {"DA", "20240131"}, {"DS", "1.5\\-2e33 "}, {"DT", "20240131"},
-        {"FD", std::string (8, '\1')}, {"FL", "1234"}, {"IS", "12\\-5 "}, {"LO", "text"}, {"LT", "text"},
-        {"OF", "1234"}, {"OW", "12"}, {"PN", "Doe^John"}, {"PN", "Doe^Joh "}, {"SH", "text"}, {"SL", "1234"},
-        {"SS", "12"}, {"ST", "text"}, {"TM", "123000.5"}, {"UI", "1.2.840" + NUL}, {"UI", "1.2.84"}, {"UL", "1234"},
-        {"US", "12"}, {"UT", "text"}};
+    } cases[] = {{"AE", "STATION1"},
+                 {"AE", "STATION "},
+                 {"AS", "045Y"},
+                 {"AT", std::string ("\x10\x00\x10\x00", 4)},
+                 {"CS", "ORIGINAL\\PRIMARY"},
+                 {"CS", "AXIAL "},
+                 {"DA", "20240131"},
+                 {"DS", "1.5\\-2e33 "},
+                 {"DT", "20240131"},
+                 {"FD", std::string (8, '\1')},
+                 {"FL", "1234"},
+                 {"IS", "12\\-5 "},
+                 {"LO", "text"},
+                 {"LT", "text"},
+                 {"OF", "1234"},
+                 {"OW", "12"},
+                 {"PN", "Doe^John"},
+                 {"PN", "Doe^Joh "},
+                 {"SH", "text"},
+                 {"SL", "1234"},
+                 {"SS", "12"},
+                 {"ST", "text"},
+                 {"TM", "123000.5"},
+                 {"UI", "1.2.840" + NUL},
+                 {"UI", "1.2.84"},
+                 {"UL", "1234"},
+                 {"US", "12"},
+                 {"UT", "text"}};
     for (const auto &one : cases) {
         Attribute attribute = Present (0x0018, one.vr, one.value);
         Memory_Fail_At (1);
@@ -100,7 +121,7 @@ TEST (Cleanup, PaddingIsStripped) {
         {"ST", "text ", "text", 0, ""},
         {"UT", "text  ", "text", 0, ""},
         {"TM", "123000  ", "123000", 0, ""},
-        {"TM", "12300 ", "12300", 0, ""},                   // no even length for TM
+        {"TM", "12300 ", "12300", 0, ""}, // no even length for TM
         {"UI", "1.2.840" + NUL + NUL + NUL, "1.2.840" + NUL, 0, ""},
         {"CS", "AXIAL" + NUL, "AXIAL ", 0, "N: invalid padding char used in \"AXIAL\" (NULL instead of SPACE)\n"},
         {"SH", " ABC" + NUL, "ABC ", 0, "N: invalid padding char used in \" ABC\" (NULL instead of SPACE)\n"},
@@ -168,8 +189,8 @@ TEST (Cleanup, AShortLimitShowsTheWholeText) {
 }
 
 TEST (Cleanup, OneTrailingBackslashIsRemovedInEvenGroups) {
-    Expect_Clean ({"CS", "ORIGINAL\\PRIMARY\\", "ORIGINAL\\PRIMARY", SYNTAX_ERROR,
-                   "N: Removed last char (=\\) from string!\n"});
+    Expect_Clean (
+        {"CS", "ORIGINAL\\PRIMARY\\", "ORIGINAL\\PRIMARY", SYNTAX_ERROR, "N: Removed last char (=\\) from string!\n"});
     Expect_Clean ({"SH", "A\\\\ ", "A\\", SYNTAX_ERROR, "N: Removed last char (=\\) from string!\n"});
     Expect_Clean ({"SH", "ABC\\", "ABC\\", 0, ""}, 0x0019);
     Expect_Clean ({"SH", "\\", "", SYNTAX_ERROR, "N: Removed last char (=\\) from string!\n"});
@@ -215,9 +236,10 @@ TEST (Cleanup, MoreDecimalTextsThanAValueHoldsAreDiscarded) {
 }
 
 TEST (Cleanup, IntegersOutOfRangeAreDiscarded) {
-    Expect_Clean ({"IS", "3000000000", DISCARDED, 0, "W: Value out of range (3000000000 \\vs\\ -2**31 to 2**31 - 1)\n"});
-    Expect_Clean ({"IS", "1\\123456789 ", DISCARDED, 0,
-                   "W: Value out of range (\\123456789 \\vs\\ -2**31 to 2**31 - 1)\n"});
+    Expect_Clean (
+        {"IS", "3000000000", DISCARDED, 0, "W: Value out of range (3000000000 \\vs\\ -2**31 to 2**31 - 1)\n"});
+    Expect_Clean (
+        {"IS", "1\\123456789 ", DISCARDED, 0, "W: Value out of range (\\123456789 \\vs\\ -2**31 to 2**31 - 1)\n"});
     Expect_Clean ({"IS", "2999999999", "2999999999", 0, ""});
 }
 
@@ -229,10 +251,14 @@ TEST (Cleanup, BadBinaryLengthsAreDiscardedAndMarked) {
         size_t      unit;
         const char *expecting;
     } rules[] = {
-        {"AT", 4, "multiple 2*\"Unigned Short\""}, {"FD", 8, "\"Floation Point Double\""},
-        {"FL", 4, "\"Floation Point\""},           {"OF", 4, "\"Other Float\""},
-        {"OW", 2, "\"Other Word\""},               {"SL", 4, "\"Signed Long\""},
-        {"SS", 2, "\"Signed Short\""},             {"UL", 4, "\"Signed Long\""},
+        {"AT", 4, "multiple 2*\"Unigned Short\""},
+        {"FD", 8, "\"Floation Point Double\""},
+        {"FL", 4, "\"Floation Point\""},
+        {"OF", 4, "\"Other Float\""},
+        {"OW", 2, "\"Other Word\""},
+        {"SL", 4, "\"Signed Long\""},
+        {"SS", 2, "\"Signed Short\""},
+        {"UL", 4, "\"Signed Long\""},
         {"US", 2, "\"Unsigned Short\""},
     };
     for (const auto &rule : rules)
@@ -240,8 +266,9 @@ TEST (Cleanup, BadBinaryLengthsAreDiscardedAndMarked) {
             std::string value (length, '\1');
             bool        good = length % rule.unit == 0;
             Expect_Clean ({rule.vr, value, good ? value : DISCARDED, good ? 0 : INVALID,
-                           good ? "" : std::string ("W: Invalid data! Expecting ") + rule.expecting + " but got " +
-                                       std::to_string (length) + " bytes\n"});
+                           good ? ""
+                                : std::string ("W: Invalid data! Expecting ") + rule.expecting + " but got " +
+                                      std::to_string (length) + " bytes\n"});
         }
 }
 
@@ -271,8 +298,7 @@ TEST (Cleanup, OldDatesAreRewritten) {
         {"DA", "20240131 ", "20240131", SYNTAX_ERROR,
          "W: Invalid data! Expecting 6, 8 or 10 bytes but got 9 bytes\n"
          "N: 1 char in \"20240131 \" not from set \"0123456789.\\\"\n"},
-        {"DA", "2024-01-31", "20240131", SYNTAX_ERROR,
-         "N: 2 char in \"2024-01-31\" not from set \"0123456789.\\\"\n"},
+        {"DA", "2024-01-31", "20240131", SYNTAX_ERROR, "N: 2 char in \"2024-01-31\" not from set \"0123456789.\\\"\n"},
         {"DA", "2024-1-3", "20202513", SYNTAX_ERROR,
          "N: 2 char in \"2024-1-3\" not from set \"0123456789.\\\"\nN: Old syntax! 202413 changed to 20202513\n"},
     };
@@ -302,7 +328,8 @@ TEST (Cleanup, TheNumberOfCleanedValuesIsCompared) {
     attribute.definition   = &entry;
     EXPECT_EQ (0, DICOM_Attribute_Cleanup_Tag (nullptr, &warning_settings, &attribute));
     EXPECT_EQ ("N: Removed last char (=\\) from string!\n"
-               "W: Invalid number of values in data!, Expecting VN=1 but got 2 values\n", Findings (log));
+               "W: Invalid number of values in data!, Expecting VN=1 but got 2 values\n",
+               Findings (log));
     EXPECT_EQ ("A\\B ", Value (&attribute));
     Value_Release (&attribute);
 }
@@ -345,16 +372,20 @@ TEST (Cleanup, EveryFailedAllocationKeepsAValueAndIsReported) {
     static const struct {
         const char *vr, *value, *variables;
     } cases[] = {
-        {"SH", " ABC", "tag->data"},        {"CS", "Ax", "tag->data"},      {"SH", "a\\ b", "new_data tag->data"},
-        {"IS", "1.5", "float_str int_str tag->data"},                        {"DA", "240131", "tag->data"},
-        {"TM", "12:30", "new_time tag->data"},                               {"AS", "5Y", "tag->data"},
+        {"SH", " ABC", "tag->data"},
+        {"CS", "Ax", "tag->data"},
+        {"SH", "a\\ b", "new_data tag->data"},
+        {"IS", "1.5", "float_str int_str tag->data"},
+        {"DA", "240131", "tag->data"},
+        {"TM", "12:30", "new_time tag->data"},
+        {"AS", "5Y", "tag->data"},
         {"UI", "1.2.840", "tag->data"},
     };
     for (const auto &one : cases) {
         for (long n = 1;; n++) {
             Log_Recorder log;
             Attribute    attribute = Present (0x0018, one.vr, one.value), keeper = {};
-            keeper.length          = attribute.length;
+            keeper.length = attribute.length;
             Value_Share (&keeper, &attribute);
             Memory_Fail_At (n);
             int result = DICOM_Attribute_Cleanup_Tag (nullptr, &warning_settings, &attribute);
@@ -390,15 +421,17 @@ static bool Is_Settled (const Attribute *attribute, const Syntax_Rule *rule) {
     if (rule->set && Syntax_Outside_Set (attribute, rule->set)) return false;
     bool padded = value.back () == ' ' || value.back () == '\0';
     if (padded && rule->trailing != SYNTAX_NONE && rule->even == SYNTAX_NONE) return false;
-    if (value.size () - (value.rfind ('\\') + 1) > static_cast<size_t> (rule->maximum) && rule->even == ' ') return false;
+    if (value.size () - (value.rfind ('\\') + 1) > static_cast<size_t> (rule->maximum) && rule->even == ' ')
+        return false;
     while (!value.empty () && (value.back () == ' ' || value.back () == '\0')) value.pop_back ();
     if (!value.empty () && value.back () == '\\') return false;
     return rule->form != SYNTAX_TIME || (!Syntax_Time_Is_Old (attribute) && value.find (' ') == std::string::npos);
 }
 
 TEST (Cleanup, CleaningTwiceChangesNothingTheSecondTime) {
-    static const char *const vrs[] = {"AE", "AS", "AT", "CS", "DA", "DS", "DT", "FD", "FL", "IS", "LO", "LT", "OF", "OW",
-                                      "PN", "SH", "SL", "SS", "ST", "TM", "UI", "UL", "US", "UT", "OB", "UN", "SQ"};
+    static const char *const vrs[] = {"AE", "AS", "AT", "CS", "DA", "DS", "DT", "FD", "FL",
+                                      "IS", "LO", "LT", "OF", "OW", "PN", "SH", "SL", "SS",
+                                      "ST", "TM", "UI", "UL", "US", "UT", "OB", "UN", "SQ"};
     static const std::string letters ("0123456789.:-+ \\ABYaeE_\t\0\0\xE4", 27);
     std::mt19937             random (20240131);
     int                      settled = 0, changed = 0;

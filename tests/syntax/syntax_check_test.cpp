@@ -16,7 +16,7 @@ struct Check_Case {
     const char *vr;
     std::string value;
     int         result;
-    std::string findings;       // Without their prefix, "W: " or "N: " before each, each ended by a line feed.
+    std::string findings; // Without their prefix, "W: " or "N: " before each, each ended by a line feed.
 };
 
 static void Expect_Check (const Check_Case &one, uint16_t group = 0x0018) {
@@ -89,10 +89,18 @@ TEST (SyntaxCheck, PrefixesNameTagAndVr) {
     Attribute    note = Record (0x0018, 0x0022, "AE", "a\1"), warning = Record (0x0018, 0x0022, "FD", "ab");
     DICOM_Attribute_Syntax_Tag (nullptr, &warning_settings, &note);
     DICOM_Attribute_Syntax_Tag (nullptr, &warning_settings, &warning);
-    EXPECT_TRUE (log.Has (LOG_REPORT, "\xF0    (\x01" "0018\x02,\x01" "0022\x02) VR=\x01" "AE\x02 \x01" "1\x02"
-                          " Invalid character in data"));
-    EXPECT_TRUE (log.Has (LOG_WARNING, "    \xF1\x05WARNING:\x02 (\x01" "0018\x02,\x01" "0022\x02) VR=\x01" "FD\x02 "
-                          "Invalid data! Expecting \"Floation Point Double\" but got \x01" "2\x02 bytes"));
+    EXPECT_TRUE (log.Has (LOG_REPORT, "\xF0    (\x01"
+                                      "0018\x02,\x01"
+                                      "0022\x02) VR=\x01"
+                                      "AE\x02 \x01"
+                                      "1\x02"
+                                      " Invalid character in data"));
+    EXPECT_TRUE (log.Has (LOG_WARNING, "    \xF1\x05WARNING:\x02 (\x01"
+                                       "0018\x02,\x01"
+                                       "0022\x02) VR=\x01"
+                                       "FD\x02 "
+                                       "Invalid data! Expecting \"Floation Point Double\" but got \x01"
+                                       "2\x02 bytes"));
     Value_Release (&note);
     Value_Release (&warning);
 }
@@ -134,7 +142,10 @@ TEST (SyntaxCheck, CharactersOutsideTheSetAreCounted) {
         {"IS", "1x2 ", 1, "N: 1 char in \"1x2\" not from set \"0123456789+- \\\"\n"},
         {"TM", "12h30m ", 1, "N: 2 char in \"12h30m\" not from set \"0123456789. \\\"\n"},
         {"UI", "1.a.2" + NUL, 1, "N: 1 char in \"1.a.2\" not from set \"0123456789. \\\"\n"},
-        {"AE", "a\xE4" "b\t", 1, "N: 2 Invalid character in data\n"},
+        {"AE",
+         "a\xE4"
+         "b\t",
+         1, "N: 2 Invalid character in data\n"},
         {"AE", "~\x7F ", 1, "N: 1 Invalid character in data\n"},
     };
     for (const Check_Case &one : cases) Expect_Check (one);
@@ -155,15 +166,15 @@ TEST (SyntaxCheck, EachPieceIsMeasured) {
         {"IS", "- - - - - - -1", 1, "W: String too long! (14/vs/12 max) Truncated to \"- - - - - - \"(-1)\n"},
         {"TM", "12300000000000000", 1, "W: String too long! (17/vs/16 max) Truncated to \"1230000000000000\"(0)\n"},
         {"SH", "123456789012345 \\1", 1, ""},
-        {"SH", "123456789012345  \\1", 1,
-         "W: String too long! (17/vs/16 max) Truncated to \"123456789012345 \"( )\n"},
+        {"SH", "123456789012345  \\1", 1, "W: String too long! (17/vs/16 max) Truncated to \"123456789012345 \"( )\n"},
     };
     for (const Check_Case &one : cases) Expect_Check (one);
     for (auto [vr, max] : {std::pair ("LO", 64), std::pair ("PN", 320), std::pair ("UI", 64)}) {
         std::string long_text (static_cast<size_t> (max), '1');
         Expect_Check ({vr, long_text, 1, ""});
-        Expect_Check ({vr, long_text + "2", 1, "W: String too long! (" + std::to_string (max + 1) + "/vs/" +
-                       std::to_string (max) + " max) Truncated to \"" + long_text + "\"(2)\n"});
+        Expect_Check ({vr, long_text + "2", 1,
+                       "W: String too long! (" + std::to_string (max + 1) + "/vs/" + std::to_string (max) +
+                           " max) Truncated to \"" + long_text + "\"(2)\n"});
     }
 }
 
@@ -180,8 +191,7 @@ TEST (SyntaxCheck, ATrailingBackslashIsNoticedInEvenGroups) {
 
 TEST (SyntaxCheck, TextsEndAtTheirFirstNul) {
     Expect_Check ({"SH", "A" + NUL + "BCDEFGHIJKLMNOPQRSTUVW", 1, ""});
-    Expect_Check ({"IS", "1" + NUL + "99999999999", 1,
-                   "N: 1 char in \"1\" not from set \"0123456789+- \\\"\n"});
+    Expect_Check ({"IS", "1" + NUL + "99999999999", 1, "N: 1 char in \"1\" not from set \"0123456789+- \\\"\n"});
 }
 
 // --- integers --------------------------------------------------------------
@@ -218,18 +228,23 @@ TEST (SyntaxCheck, BinaryLengthsAreMultiplesOfTheirUnit) {
         size_t      unit;
         const char *expecting;
     } rules[] = {
-        {"AT", 4, "multiple 2*\"Unigned Short\""}, {"FD", 8, "\"Floation Point Double\""},
-        {"FL", 4, "\"Floation Point\""},           {"OF", 4, "\"Other Float\""},
-        {"OW", 2, "\"Other Word\""},               {"SL", 4, "\"Signed Long\""},
-        {"SS", 2, "\"Signed Short\""},             {"UL", 4, "\"Signed Long\""},
+        {"AT", 4, "multiple 2*\"Unigned Short\""},
+        {"FD", 8, "\"Floation Point Double\""},
+        {"FL", 4, "\"Floation Point\""},
+        {"OF", 4, "\"Other Float\""},
+        {"OW", 2, "\"Other Word\""},
+        {"SL", 4, "\"Signed Long\""},
+        {"SS", 2, "\"Signed Short\""},
+        {"UL", 4, "\"Signed Long\""},
         {"US", 2, "\"Unsigned Short\""},
     };
     for (const auto &rule : rules) {
         for (size_t length = 1; length <= 3 * rule.unit; length++) {
             bool good = length % rule.unit == 0;
             Expect_Check ({rule.vr, std::string (length, '\1'), good,
-                           good ? "" : std::string ("W: Invalid data! Expecting ") + rule.expecting + " but got " +
-                                       std::to_string (length) + " bytes\n"});
+                           good ? ""
+                                : std::string ("W: Invalid data! Expecting ") + rule.expecting + " but got " +
+                                      std::to_string (length) + " bytes\n"});
         }
     }
 }
@@ -270,8 +285,7 @@ TEST (SyntaxCheck, OldTimesAreRecognised) {
         {"TM", "12:30", 0, "N: Old syntax! 12:30 should be changed to 1230\n"},
         {"TM", "12:", 0, "N: Old syntax! 12: should be changed to 12\n"},
         {"TM", "12:30:00.1234567", 0, "N: Old syntax! 12:30:00.1234567 should be changed to 123000.1234567\n"},
-        {"TM", "12:30:00.12345678", 0,
-         "W: String too long! (17/vs/16 max) Truncated to \"12:30:00.1234567\"(8)\n"},
+        {"TM", "12:30:00.12345678", 0, "W: String too long! (17/vs/16 max) Truncated to \"12:30:00.1234567\"(8)\n"},
     };
     for (const Check_Case &one : cases) Expect_Check (one);
 }
@@ -339,7 +353,7 @@ TEST (SyntaxCheck, WordsFloatsAndTagsInARowAreOneValue) {
 
 static std::string Swabbed (const char *vr, const std::string &value, uint8_t mode = MODE_BIG_ENDIAN) {
     Attribute attribute = Record (0x0028, 0x0010, vr, value), keeper = {};
-    keeper.length       = attribute.length;
+    keeper.length = attribute.length;
     Value_Share (&keeper, &attribute);
     attribute.mode = mode;
     EXPECT_EQ (1, DICOM_Attribute_Syntax_Swab (nullptr, &attribute));

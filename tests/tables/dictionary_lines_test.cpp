@@ -93,9 +93,7 @@ struct Reading {
     bool                     retired;
 };
 
-static std::string Trimmed (const std::string &text) {
-    return text.substr (0, text.find_last_not_of (' ') + 1);
-}
+static std::string Trimmed (const std::string &text) { return text.substr (0, text.find_last_not_of (' ') + 1); }
 
 // Reads a line from front to back: the name ends where nothing but pairs follow.
 static Reading Read (const std::string &line) {
@@ -133,9 +131,7 @@ static Reading Read (const std::string &line) {
     return reading;
 }
 
-static int Limit (const std::string &number) {
-    return number.back () == 'n' ? 0xFFFF : std::stoi (number);
-}
+static int Limit (const std::string &number) { return number.back () == 'n' ? 0xFFFF : std::stoi (number); }
 
 TEST_F (DictionaryLines, EveryLineIsFoundAgain) {
     for (const std::string &line : All_Lines ()) {

@@ -12,7 +12,7 @@ static const char *const MODULE = "memory_test";
 
 // The address sanitizer would end the program instead of refusing a block that is too large.
 extern "C" const char *__asan_default_options (void);
-const char *__asan_default_options (void) { return "allocator_may_return_null=1"; }
+const char            *__asan_default_options (void) { return "allocator_may_return_null=1"; }
 
 class Memory : public testing::Test {
 protected:

@@ -89,7 +89,7 @@ TEST_F (UtilityDirectory, MakeFailsWhereAFileStands) {
 TEST_F (UtilityDirectory, MakeReportsAPathThatIsTooLong) {
     Log_Recorder recorder (1);
     int          limit = static_cast<int> (System_Directory_Limit ());
-    std::string  path = directory.path;
+    std::string  path  = directory.path;
     path.resize (static_cast<size_t> (limit) + 1, 'x');
     EXPECT_EQ (Directory_Make (nullptr, path.c_str ()), 0);
     ASSERT_EQ (recorder.lines.size (), 2u);

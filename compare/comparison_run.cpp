@@ -26,18 +26,22 @@ static void Merged_Delete (Window window, SequenceCursor *cursor) {
     if (Comparison_Last.merged) List_Delete (window, cursor, &Comparison_Last.merged);
 }
 
-// Replaces a name by an owned copy of another; an empty one is kept as none. 1, or 0 after the strdup message.
-static int Name_Keep (Window window, Memory_Site site, char **place, const char *name) {
-    Memory_Free (*place);
-    *place = nullptr;
-    if (Is_Empty (name)) return 1;
-    *place = Memory_Strdup (window, site, name);
-    return *place != nullptr;
+// An owned copy of a name; an empty one is kept as none. 1, or 0 after the strdup message.
+static int Name_Copy (Window window, Memory_Site site, const char *name, char **copy) {
+    *copy = Is_Empty (name) ? nullptr : Memory_Strdup (window, site, name);
+    return Is_Empty (name) || *copy != nullptr;
 }
 
+// Both names are copied before the old ones go, since a run may be repeated with the names of the last one.
 static int Names_Keep (Window window, const char *name_a, const char *name_b) {
-    return Name_Keep (window, HERE ("Name_File_A", 0, 0), &Comparison_Last.Name_File_A, name_a) &&
-           Name_Keep (window, HERE ("Name_File_B", 0, 0), &Comparison_Last.Name_File_B, name_b);
+    char *copy_a = nullptr, *copy_b = nullptr;
+    int   kept = Name_Copy (window, HERE ("Name_File_A", 0, 0), name_a, &copy_a) &&
+               Name_Copy (window, HERE ("Name_File_B", 0, 0), name_b, &copy_b);
+    Memory_Free (Comparison_Last.Name_File_A);
+    Memory_Free (Comparison_Last.Name_File_B);
+    Comparison_Last.Name_File_A = copy_a;
+    Comparison_Last.Name_File_B = copy_b;
+    return kept;
 }
 
 // --- definition ------------------------------------------------------------
@@ -145,6 +149,8 @@ int Comparison_Run (Window window, const Settings *settings, const char *name_a,
 
     Merged_Delete (window, &cursor);
     if (!Names_Keep (window, name_a, name_b)) return 0;
+    name_a = Comparison_Last.Name_File_A;
+    name_b = Comparison_Last.Name_File_B;
 
     if (!Is_Empty (name_a)) {
         list_a = Read_Side (window, &cursor, name_a);

@@ -121,6 +121,15 @@ TEST (ComparisonRun, RunAloneIsSilentAboutTheCountInBatch) {
     EXPECT_FALSE (log.Contains ("Compare A"));
 }
 
+TEST (ComparisonRun, ARunMayBeRepeatedWithTheNamesThatTheLastOneKept) {
+    Pair_Run run;
+    run.Write (File_Of ("Doe^John"), File_Of ("Doe^Jane"));
+    EXPECT_EQ (1, run.Run (1));
+    EXPECT_EQ (1, Comparison_Run (nullptr, &run.settings, Comparison_Last.Name_File_B, Comparison_Last.Name_File_A, 1));
+    EXPECT_EQ (run.b, Comparison_Last.Name_File_A);
+    EXPECT_EQ (run.a, Comparison_Last.Name_File_B);
+}
+
 TEST (ComparisonRun, NamesAreKept) {
     Pair_Run     run;
     Log_Recorder log;

@@ -19,16 +19,15 @@ failed=0
 
 # --- steps ---
 
-# Runs a command and notes how it went and how long it took.
+# Runs a command and notes how it went and how long it took. One that fails makes the whole run fail at its end; result
+# tells the caller, who decides whether to go on.
+result=
 step () { # name, command...
-  local name=$1 start=$SECONDS result=passed
+  local name=$1 start=$SECONDS
   shift
   echo "=== $name"
-  "$@" || result=FAILED
+  if "$@"; then result=passed; else result=FAILED failed=1; fi
   summary="$summary$(printf '%-20s %s, %d s' "$name" "$result" $((SECONDS - start)))"$'\n'
-  [ "$result" = passed ] && return 0
-  failed=1
-  return 1
 }
 
 # A build says nothing but its errors.
@@ -67,11 +66,13 @@ wine_start () {
   wine wineboot -i >build/wine.log 2>&1 || { cat build/wine.log; return 1; }
 }
 
+# What is gone already need not be stopped. The status of the run stays as it was.
 wine_stop () {
   [ -n "$display" ] || return 0
-  /usr/lib/wine/wineserver -k || true # Of this WINEPREFIX only.
-  kill "$display" 2>/dev/null || true
-  wait "$display" 2>/dev/null || true
+  set +e
+  /usr/lib/wine/wineserver -k # Of this WINEPREFIX only.
+  kill "$display" 2>/dev/null
+  wait "$display" 2>/dev/null
   display=
   rm -f build/display
 }
@@ -92,13 +93,16 @@ finish () {
 
 export ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1
 mkdir -p build
-step "packages" scripts/install-packages.sh build test || finish
-step "seam" scripts/check-seam.sh || true
+step "packages" scripts/install-packages.sh build test
+[ $result = passed ] || finish
+step "seam" scripts/check-seam.sh
 for preset in $presets; do
-  step "$preset: build" build "$preset" || continue
+  step "$preset: build" build "$preset"
+  [ $result = passed ] || continue
   if [ "$preset" = windows ]; then
-    step "windows: Wine" wine_start || continue
+    step "windows: Wine" wine_start
+    [ $result = passed ] || continue
   fi
-  step "$preset: tests" run_tests "$preset" || true
+  step "$preset: tests" run_tests "$preset"
 done
 finish

@@ -246,29 +246,11 @@ TEST (Cleanup, IntegersOutOfRangeAreDiscarded) {
 // --- binary lengths --------------------------------------------------------
 
 TEST (Cleanup, BadBinaryLengthsAreDiscardedAndMarked) {
-    static const struct {
-        const char *vr;
-        size_t      unit;
-        const char *expecting;
-    } rules[] = {
-        {"AT", 4, "multiple 2*\"Unigned Short\""},
-        {"FD", 8, "\"Floation Point Double\""},
-        {"FL", 4, "\"Floation Point\""},
-        {"OF", 4, "\"Other Float\""},
-        {"OW", 2, "\"Other Word\""},
-        {"SL", 4, "\"Signed Long\""},
-        {"SS", 2, "\"Signed Short\""},
-        {"UL", 4, "\"Signed Long\""},
-        {"US", 2, "\"Unsigned Short\""},
-    };
-    for (const auto &rule : rules)
+    for (const Binary_Rule &rule : BINARY_RULES)
         for (size_t length = 1; length <= 2 * rule.unit; length++) {
             std::string value (length, '\1');
             bool        good = length % rule.unit == 0;
-            Expect_Clean ({rule.vr, value, good ? value : DISCARDED, good ? 0 : INVALID,
-                           good ? ""
-                                : std::string ("W: Invalid data! Expecting ") + rule.expecting + " but got " +
-                                      std::to_string (length) + " bytes\n"});
+            Expect_Clean ({rule.vr, value, good ? value : DISCARDED, good ? 0 : INVALID, Length_Finding (rule, length)});
         }
 }
 

@@ -223,30 +223,11 @@ TEST (SyntaxCheck, AnEndlessIntegerIsReportedAsFarAsAMessageGoes) {
 // --- binary lengths --------------------------------------------------------
 
 TEST (SyntaxCheck, BinaryLengthsAreMultiplesOfTheirUnit) {
-    static const struct {
-        const char *vr;
-        size_t      unit;
-        const char *expecting;
-    } rules[] = {
-        {"AT", 4, "multiple 2*\"Unigned Short\""},
-        {"FD", 8, "\"Floation Point Double\""},
-        {"FL", 4, "\"Floation Point\""},
-        {"OF", 4, "\"Other Float\""},
-        {"OW", 2, "\"Other Word\""},
-        {"SL", 4, "\"Signed Long\""},
-        {"SS", 2, "\"Signed Short\""},
-        {"UL", 4, "\"Signed Long\""},
-        {"US", 2, "\"Unsigned Short\""},
-    };
-    for (const auto &rule : rules) {
+    for (const Binary_Rule &rule : BINARY_RULES)
         for (size_t length = 1; length <= 3 * rule.unit; length++) {
             bool good = length % rule.unit == 0;
-            Expect_Check ({rule.vr, std::string (length, '\1'), good,
-                           good ? ""
-                                : std::string ("W: Invalid data! Expecting ") + rule.expecting + " but got " +
-                                      std::to_string (length) + " bytes\n"});
+            Expect_Check ({rule.vr, std::string (length, '\1'), good, Length_Finding (rule, length)});
         }
-    }
 }
 
 TEST (SyntaxCheck, AgesHaveFourBytes) {

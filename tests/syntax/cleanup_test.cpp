@@ -250,7 +250,8 @@ TEST (Cleanup, BadBinaryLengthsAreDiscardedAndMarked) {
         for (size_t length = 1; length <= 2 * rule.unit; length++) {
             std::string value (length, '\1');
             bool        good = length % rule.unit == 0;
-            Expect_Clean ({rule.vr, value, good ? value : DISCARDED, good ? 0 : INVALID, Length_Finding (rule, length)});
+            Expect_Clean (
+                {rule.vr, value, good ? value : DISCARDED, good ? 0 : INVALID, Length_Finding (rule, length)});
         }
 }
 

@@ -1,0 +1,1 @@
+#include "compare/difference_list.h"

@@ -1,0 +1,1 @@
+#include "view/result_view.h"

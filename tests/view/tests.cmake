@@ -1,0 +1,1 @@
+tagwright_test (view result_view_test.cpp)

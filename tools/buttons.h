@@ -1,0 +1,21 @@
+// Buttons: boxes that are pushed or dragged (the separators of the main window), with arrows if wanted.
+#pragma once
+
+#include "tools/boxes.h"
+
+struct Button_Widget {
+    Widget   widget;        // WIDGET_ARROWS, WIDGET_ARROWS_ACROSS.
+    Box_Look look;
+    int16_t  arrow_size;    // Of each arrow; 0 stands for the short side less the frame.
+};
+
+namespace Buttons {
+void Init (Button_Widget *button, Window window);
+void Exit (Button_Widget *button);
+int  Select (Button_Widget *button, int mouse_state);   // As Boxs::Select.
+}
+
+namespace Button {
+void Draw (Button_Widget *button);
+int  Select (Button_Widget *button, int mouse_state);   // Buttons::Select.
+}

@@ -3,16 +3,21 @@
 // absent, it doesn't turn a comparison of two files into one with a definition.
 #include "compare/comparison_run.h"
 
+#include <stdio.h>
+#include <string.h>
+
 #include "attribute/NEMA_Tag_Attribute.h"
 #include "attribute/NEMA_Tag_Complement.h"
 #include "attribute/NEMA_Tag_Copy.h"
 #include "attribute/listing.h"
 #include "compare/attribute_comparison.h"
+#include "compare/difference_list.h"
 #include "compare/file_reader.h"
 #include "platform/system.h"
 #include "tables/modality.h"
 #include "util/error_text.h"
 #include "util/my_error_fct.h"
+#include "util/text.h"
 
 static const char *const MODULE = "comparison_run";
 
@@ -22,7 +27,9 @@ static bool Is_Empty (const char *name) { return !name || !*name; }
 
 // --- state -----------------------------------------------------------------
 
-static void Merged_Delete (Window window, SequenceCursor *cursor) {
+// The rows go first: they point into the merged list.
+static void Result_Delete (Window window, SequenceCursor *cursor) {
+    Rows_Free ();
     if (Comparison_Last.merged) List_Delete (window, cursor, &Comparison_Last.merged);
 }
 
@@ -119,6 +126,32 @@ static int Walk (Window window, SequenceCursor *cursor, Attribute *list_a, Attri
     return count;
 }
 
+// "a /vs/ b" of the files' base names, or "a" alone; owned. None after the strdup message.
+static char *Title_Create (Window window, const char *name_a, const char *name_b) {
+    Text_Path a, b;
+    Text_Split_Path (name_a ? name_a : "", &a);
+    Text_Split_Path (name_b ? name_b : "", &b);
+    const char *between = name_b ? " /vs/ " : "";
+    size_t      size    = a.base_length + strlen (between) + b.base_length + 1;
+    char       *title   = static_cast<char *> (Memory_Text (window, HERE ("List->name", 0, 0), size));
+    if (title)
+        snprintf (title, size, "%.*s%s%.*s", static_cast<int> (a.base_length), a.base, between,
+                  static_cast<int> (b.base_length), b.base);
+    return title;
+}
+
+// What the view shows. Rows that there was no memory for are missing. 1, or 0 when there was none for the title.
+static int Show_Rows (Window window) {
+    int titled = 1;
+    if (Rows_Build (window, Comparison_Last.merged) > 0) {
+        char *title = Title_Create (window, Comparison_Last.Name_File_A, Comparison_Last.Name_File_B);
+        titled      = title && Rows_Title (window, title);
+        Memory_Free (title);
+    }
+    Rows_Layout ();
+    return titled;
+}
+
 // Large values are views of their files. Bytes of a file that shrank meanwhile were taken as zero.
 static void Report_Vanished_Bytes (Window window) {
     if (System_Map_Faults () <= 0) return;
@@ -147,7 +180,7 @@ int Comparison_Run (Window window, const Settings *settings, const char *name_a,
     bool           two_files  = !Is_Empty (name_b);
     cursor.settings           = settings;
 
-    Merged_Delete (window, &cursor);
+    Result_Delete (window, &cursor);
     if (!Names_Keep (window, name_a, name_b)) return 0;
     name_a = Comparison_Last.Name_File_A;
     name_b = Comparison_Last.Name_File_B;
@@ -173,7 +206,9 @@ int Comparison_Run (Window window, const Settings *settings, const char *name_a,
     List_Delete (window, &cursor, &list_b);
     DICOM_Module_Free (window);
     Report_Vanished_Bytes (window);
-    if (!batch) Report_Count (window, count);
+    if (batch) return count;
+    if (!Show_Rows (window)) return 0;
+    Report_Count (window, count);
     return count;
 }
 
@@ -220,7 +255,7 @@ void Comparison_Check_Tables (Window window, const Settings *settings, const cha
 
 void Comparison_Free (Window window) {
     SequenceCursor cursor = {};
-    Merged_Delete (window, &cursor);
+    Result_Delete (window, &cursor);
     Memory_Free (Comparison_Last.Name_File_A);
     Memory_Free (Comparison_Last.Name_File_B);
     Comparison_Last = {};

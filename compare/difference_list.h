@@ -32,19 +32,22 @@ struct Row_List {
     int   count;
     int   visible;          // Lines shown in the current folding state.
     int   selected;         // Index of the selected row, 0 when none.
-    int  *line_rows;        // Owned: the row on each visible line.
+    int  *line_rows;        // Owned: the row on each visible line. None after a memory failure: the rows know their lines.
+    int   capacity;         // Rows that there is room for; the further ones are zero bytes.
+    int   line_capacity;    // The same of line_rows.
 };
 
 extern Row_List Rows;
 
-// Replaces all rows by those of a merged list. The row count; after a memory failure that of the rows made so far.
+// Replaces all rows by those of a merged list, which has to outlive them. Sequences are folded, items unfolded; the lines
+// are those of the next Rows_Layout. The row count; after a memory failure that of the rows made so far.
 int  Rows_Build (Window window, Attribute *merged_first);
 
 // Gives the root row its title, of any length. 1, or 0 after the memory message.
 int  Rows_Title (Window window, const char *title);
 
-int  Rows_Layout (void);                // Numbers the lines; the visible line count.
-int  Rows_At (int line);                // Index of the row on a line; 0 when none is there.
-int  Rows_Toggle (int line, int column);// Folds or unfolds the container on the line when column is its box. 1 or 0.
-int  Rows_Select (int line);            // Index of the row that is selected now; 0 when nothing was selected.
-void Rows_Free (void);
+int  Rows_Layout (void);                    // Numbers the lines; the visible line count.
+int  Rows_At (int line);                    // Index of the row on a line; 0 when none is there.
+int  Rows_Toggle (int line, int column);    // Folds or unfolds the container on the line when column is its box. 1 or 0.
+int  Rows_Select (int line);                // Index of the row that is selected now; 0 when nothing or the root was.
+void Rows_Free (void);                      // Before the merged list goes: the rows point into it.

@@ -7,6 +7,7 @@
 
 #include "attribute/NEMA_Tag_Attribute.h"
 #include "compare/attribute_comparison.h"
+#include "compare/difference_list.h"
 #include "tables/data_dictionary.h"
 #include "tests/support/examples.h"
 #include "tests/support/lists.h"
@@ -324,6 +325,114 @@ TEST (ComparisonRun, NoTraceAtLevelZero) {
     run.Write (File_Of ("Doe^John"), File_Of ("Doe^Jane"));
     run.Run (0);
     EXPECT_EQ (0, log.Count (LOG_TRACE1));
+}
+
+// --- rows ------------------------------------------------------------------
+
+static const char *Title () { return Rows.count ? Rows.rows[0].name : nullptr; }
+
+TEST (ComparisonRun, InteractiveRunLeavesTitledRows) {
+    Pair_Run     run;
+    Log_Recorder log;
+    run.Write (File_Of ("Doe^John"), File_Of ("Doe^Jane"));
+    run.Run (0);
+    EXPECT_STREQ ("a /vs/ b", Title ());
+    ASSERT_LT (4, Rows.count);
+    EXPECT_EQ (Comparison_Last.merged, Rows.rows[1].attribute);
+    EXPECT_GT (Rows.count, Rows.visible) << "sequences are folded";
+    EXPECT_EQ (Rows.count - 1, Rows_At (Rows.visible - 1));
+    EXPECT_EQ (2, Rows.rows[Rows.count - 1].code) << log.All ();
+
+    run.b = "";
+    run.Run (0);
+    EXPECT_STREQ ("a", Title ());
+    EXPECT_EQ (Comparison_Last.merged, Rows.rows[1].attribute);
+}
+
+TEST (ComparisonRun, TitleIsMadeOfBaseNames) {
+    static const struct {
+        const char *a, *b, *title;
+    } NAMES[] = {
+        {"/no/where/one.two.dcm", "x/three", "one.two /vs/ three"},
+        {"/no/where/.hidden", "", ".hidden"},
+        {"/no/where/", "b.dcm", " /vs/ b"},
+        {"", "b.dcm", " /vs/ b"},
+        {"", "", ""},
+        {"50%s.dcm", "%n%n", "50%s /vs/ %n%n"},
+    };
+    for (const auto &names : NAMES) {
+        Pair_Run     run;
+        Log_Recorder log;
+        run.a = names.a;
+        run.b = names.b;
+        run.Run (0);
+        EXPECT_STREQ (names.title, Title ());
+        EXPECT_EQ (1, Rows.count);
+        EXPECT_EQ (1, Rows.visible);
+    }
+}
+
+TEST (ComparisonRun, TitleHasAnyLength) {
+    Pair_Run     run;
+    Log_Recorder log;
+    run.a = std::string (3000, 'a');
+    run.b = std::string (20000, 'b');
+    run.Run (0);
+    EXPECT_EQ (run.a + " /vs/ " + run.b, Title ());
+}
+
+TEST (ComparisonRun, BatchRunLeavesNoRows) {
+    Pair_Run     run;
+    Log_Recorder log;
+    run.Write (File_Of ("Doe^John"), File_Of ("Doe^Jane"));
+    run.Run (0);
+    EXPECT_LT (0, Rows.count);
+    run.Run (1);
+    EXPECT_EQ (0, Rows.count);
+    EXPECT_EQ (0, Rows.visible);
+    run.Run (0);
+    Comparison_Free (nullptr);
+    EXPECT_EQ (0, Rows.count);
+}
+
+// The rows point into the merged list of their run. While the next one is on, the window may be drawn: without rows.
+static int rows_meanwhile;
+
+static int Look_At_Rows (Window, int kind, const char *text) {
+    if (kind == LOG_REPORT && Clean (text).find ("differences") == std::string::npos) rows_meanwhile += Rows.count;
+    return 1;
+}
+
+TEST (ComparisonRun, OldRowsAreGoneDuringARun) {
+    Pair_Run     run;
+    Log_Recorder log;
+    run.Write (File_Of ("Doe^John"), File_Of ("Doe^Jane"));
+    run.Run (0);
+    rows_meanwhile = 0;
+    Log_Sink_Set (Look_At_Rows);
+    run.Run (0);
+    EXPECT_EQ (0, rows_meanwhile);
+    EXPECT_LT (0, Rows.count);
+}
+
+TEST (ComparisonRun, TitleWithoutMemoryLeavesRowsWithoutTitle) {
+    Dictionary_Build (nullptr);
+    int told = 0;
+    for (long n = 1, failed = 1; failed; n++) {
+        Pair_Run     run;
+        Log_Recorder log;
+        run.Write (File_Of ("Doe^John"), File_Of ("Doe^Jane"));
+        Memory_Fail_At (n);
+        int count = run.Run (0);
+        failed    = Memory_Failed ();
+        Memory_Fail_At (0);
+        if (!log.Count (LOG_ERROR, "memory error in strdup (var=List->name)")) continue;
+        told++;
+        EXPECT_EQ (0, count);
+        EXPECT_EQ (nullptr, Title ());
+        EXPECT_EQ (4, Rows.visible);
+    }
+    EXPECT_EQ (2, told);
 }
 
 // --- failures --------------------------------------------------------------

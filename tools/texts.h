@@ -7,29 +7,40 @@
 
 static const int TEXT_SIZE  = 256;      // Of the typed line, with its zero.
 static const int TEXT_LINES = 10000;    // Kept; the oldest is dropped.
+static const int TEXT_FACE  = 128;      // Of a font's name that is remembered, with its zero.
 
 struct Text_Line {
     char *text;         // Owned; raw, with display codes.
-    int   width;        // Pixels, when it was last drawn.
+    int   width;        // Pixels, when it was last drawn; what a field cuts off is not measured.
 };
 
 struct Text_Widget {
     Widget        widget;       // Colour (170,170,170) when red, green and blue are 0 at Init.
-    char          text[TEXT_SIZE];      // What is being typed.
+    char          text[TEXT_SIZE];      // What is being typed. Whoever changes it calls Rescale_Cursor.
     const char   *face;         // Borrowed; none is "Arial".
     int           size;         // Points; below 1 is 12.
-    Drawing_Font  normal, bold, oblique;        // Owned, made by Init.
+    Drawing_Font  normal, bold, oblique;        // Owned, made by Init. None is the system font.
     int           character_width;      // Of an "H" in the normal font.
     int           pitch;        // Of a line: the normal font's height.
+    int           tab;          // Pixels from one tab stop to the next.
     int           cursor;       // Byte of text that the cursor stands before.
     int           echo;         // 1: typed keys are taken and shown.
 
     Text_Line    *lines;        // Owned ring of TEXT_LINES, or none.
     int           line_start;   // Slot of the oldest line.
     int           line_count;
-    int           line_top;     // The first line shown, 0 the oldest. Follows new lines unless the user scrolled up.
+    int           line_top;     // The first line shown, 0 the oldest.
+    int           scrolled;     // 1 while the user has scrolled up: then new lines are not followed.
     int           active;       // 1 while the pointer is over it: then it takes the wheel.
     Slider        slider;       // Along its right inner edge.
+
+    int           fonts_made;   // 1: for made_face and made_size.
+    char          made_face[TEXT_FACE];
+    int           made_size;
+    int           storing;      // 1 while a line is stored: what is written meanwhile is dropped.
+    int           stale;        // 1: there are changes that have not been drawn.
+    int64_t       credit;       // Nanoseconds that writing may still spend on drawing; see Text::Write.
+    int64_t       counted;      // When credit was counted last.
 };
 
 namespace Texts {
@@ -45,7 +56,8 @@ void Scroll (Text_Widget *text, int lines);     // Down for positive lines, with
 
 // --- typed line ---
 
-// Takes a key code of tools/keyboard.h into the typed line while echo is on. 1 when Enter has completed it.
+// Takes a key code of tools/keyboard.h into the typed line while echo is on and draws it. 1 when Enter has completed it:
+// the line stays until the caller empties it. Escape empties it.
 int  Read_Echo (Text_Widget *text, int key);
 void Rescale_Cursor (Text_Widget *text);        // Puts the cursor into the line's bounds after its text was changed.
 
@@ -59,6 +71,11 @@ const char *Line (const Text_Widget *text, int index);      // 0 is the oldest; 
 namespace Text {
 void Draw (Text_Widget *text);                              // Frame, fill, lines, slider.
 int  Select (Text_Widget *text, int mouse_state);           // Texts::Select.
-void Write (Text_Widget *text, const char *line);           // A new last line, or several at line feeds; draws it.
-void OverWrite (Text_Widget *text, const char *line);       // Replaces the last line; draws it.
+
+// A new last line, or several at line feeds, drawn at once. "" is an empty line; a line feed at the end adds none. Where
+// lines come faster than they can be read, some are drawn together with the ones that follow, at the latest by the next
+// paint event, so whoever owns the window answers that event with Draw or Re_Write. Inside a drawing session, and before
+// Init, a line is stored and drawn with the next one.
+void Write (Text_Widget *text, const char *line);
+void OverWrite (Text_Widget *text, const char *line);       // The same, in place of the last line.
 }

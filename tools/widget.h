@@ -70,7 +70,8 @@ uint32_t Widget_Colour (const int16_t colour[4]);
 void Widget_Check (Widget *widget, const char *type);
 
 // What all Inits begin with: takes the window over (none keeps the one that is stored), makes region and bounds,
-// remembers the size and marks the widget as initialised. 0 after the warning that there is no window; type is the Init.
+// remembers the size and marks the widget as initialised. 0, and nothing of this done, after the warning that there is no
+// window (type is the Init) or the memory message.
 int Widget_Init (Widget *widget, Window window, const char *type);
 
 // Releases the region; the widget is then one that was never initialised.

@@ -21,10 +21,15 @@ static void Report (Window window, const Memory_Site *site, const char *call) {
                  site->module, call, site->variable, site->count, site->size);
 }
 
-void *Memory_Malloc (Window window, Memory_Site site, size_t bytes) {
+void *Memory_Try (size_t bytes) {
     void *block = Fails_Now () ? nullptr : malloc (bytes ? bytes : 1);
     if (block) live++;
-    else Report (window, &site, "malloc");
+    return block;
+}
+
+void *Memory_Malloc (Window window, Memory_Site site, size_t bytes) {
+    void *block = Memory_Try (bytes);
+    if (!block) Report (window, &site, "malloc");
     return block;
 }
 
@@ -43,9 +48,8 @@ void *Memory_Realloc (Window window, Memory_Site site, void *block, size_t bytes
 }
 
 void *Memory_Text (Window window, Memory_Site site, size_t bytes) {
-    void *block = Fails_Now () ? nullptr : malloc (bytes ? bytes : 1);
-    if (block) live++;
-    else
+    void *block = Memory_Try (bytes);
+    if (!block)
         Log_Message (window, LOG_ERROR, "line %-4d of %s \nmemory error in strdup (var=%s)", site.line, site.module,
                      site.variable);
     return block;

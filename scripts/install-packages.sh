@@ -15,8 +15,11 @@ fail () {
 
 packages_of () {
   case "$1" in
-    build) echo "g++ cmake ninja-build" ;;
-    test) echo "googletest g++-mingw-w64-x86-64-posix wine64 wine python3 python3-pydicom dcmtk procps xvfb" ;;
+    build) echo "g++ cmake ninja-build pkg-config libsdl2-dev libpango1.0-dev fonts-liberation" ;;
+    test)
+      echo "googletest g++-mingw-w64-x86-64-posix wine64 wine python3 python3-pydicom dcmtk procps xvfb xauth"
+      echo "imagemagick xdotool x11-apps libx11-dev"
+      ;;
     bench) echo "hyperfine time diffutils" ;;
     format) echo "clang-format" ;;
     *) usage ;;

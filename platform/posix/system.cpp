@@ -21,6 +21,8 @@
 
 #include <atomic>
 
+#include "platform/posix/private.h"
+
 // Far above every errno. The plain codes for FIFOs, sockets and devices ("Illegal seek") would puzzle the user.
 static const unsigned NOT_A_REGULAR_FILE = 0xF001;
 
@@ -57,8 +59,7 @@ static int Is_Data_Folder (const char *folder) {
     return Folder_Holds (folder, "DICOM Tables") || Folder_Holds (folder, "Tagwright.ini");
 }
 
-// The folder of the running program, with its separator.
-static int Program_Folder (char *result, size_t size) {
+int System_Program_Folder (char *result, size_t size) {
     ssize_t length = readlink ("/proc/self/exe", result, size);
     if (length <= 0 || (size_t)length >= size) return 0;
     result[length] = 0;
@@ -71,7 +72,7 @@ static int Program_Folder (char *result, size_t size) {
 int System_Install_Path (char *result, size_t size) {
     char folder[SYSTEM_PATH_SIZE];
     char share[SYSTEM_PATH_SIZE];
-    if (Program_Folder (folder, sizeof folder)) {
+    if (System_Program_Folder (folder, sizeof folder)) {
         if (Is_Data_Folder (folder)) return Join (result, size, folder, "", "");
         if (Join (share, sizeof share, folder, "../share/tagwright/", "") && Is_Data_Folder (share))
             return Join (result, size, share, "", "");

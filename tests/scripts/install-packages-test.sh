@@ -42,11 +42,12 @@ run () { # arguments...
   calls=$(cat "$stage/calls")
 }
 
-machine 0 g++ cmake ninja-build
+window="pkg-config libsdl2-dev libpango1.0-dev fonts-liberation"
+machine 0 g++ cmake ninja-build $window
 run build
 [ $status -eq 0 ] && [ -z "$output$calls" ] || fail "nothing is missing, yet: $status ($output) ($calls)"
 
-machine 0 g++ ninja-build
+machine 0 g++ ninja-build $window
 run build bench
 [ $status -eq 0 ] || fail "installing as root: $status ($output)"
 case "$calls" in
@@ -55,12 +56,12 @@ case "$calls" in
 esac
 case "$output" in *"installing cmake hyperfine time diffutils"*) ;; *) fail "does not say what it does: $output" ;; esac
 
-machine 1000 g++ cmake
+machine 1000 g++ cmake $window
 run build
 [ $status -eq 1 ] && [ -z "$calls" ] || fail "neither root nor sudo: $status ($calls)"
 case "$output" in *"needs root or sudo to install: ninja-build"*) ;; *) fail "message without sudo: $output" ;; esac
 
-machine 1000 g++ cmake
+machine 1000 g++ cmake $window
 stand_in sudo <<'END'
 echo sudo >>"$STAGE/calls"
 exec "$@"
@@ -69,7 +70,7 @@ run build
 [ $status -eq 0 ] || fail "installing through sudo: $status ($output)"
 case "$calls" in *sudo*"install -y --no-install-recommends ninja-build") ;; *) fail "calls through sudo: $calls" ;; esac
 
-machine 0 g++ cmake
+machine 0 g++ cmake $window
 stand_in apt-get <<'END'
 echo "E: Could not resolve host"
 exit 100
@@ -80,6 +81,10 @@ case "$output" in
   *"Could not resolve host"*"could not install ninja-build (is the package registry reachable?)") ;;
   *) fail "message without registry: $output" ;;
 esac
+
+machine 0 g++ cmake ninja-build
+run build
+case "$calls" in *"install -y --no-install-recommends $window") ;; *) fail "what windows need: $calls" ;; esac
 
 machine 0
 rm "$stage/bin/dpkg-query"

@@ -32,7 +32,7 @@ enum : uint32_t {
     WIDGET_ARROWS        = 1u << 20,    // Button.
     WIDGET_ARROWS_ACROSS = 1u << 21,    // Button: its arrows point left and right, else up and down.
     WIDGET_NO_OUTLINE    = 1u << 22,
-    WIDGET_REVERSED      = 1u << 26,    // Slider: its maximum is at the left or at the top.
+    WIDGET_REVERSED      = 1u << 26,    // Slider: its maximum is at the left or at the bottom.
     WIDGET_SLIDER        = 1u << 27
 };
 

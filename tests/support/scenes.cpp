@@ -1,7 +1,7 @@
 #include "tests/support/scenes.h"
 
+#include <initializer_list>
 #include <stdio.h>
-#include <string.h>
 
 #include "tools/primitives.h"
 
@@ -72,7 +72,7 @@ static void Scene_Fills (Window window) {
         for (uint32_t state : {0u, static_cast<uint32_t> (WIDGET_INACTIVE)}) {
             const int    y = state ? 24 : 64;
             Scene_Widget framed (window, x, y, 56, 28, 240, 200, 160, state);
-            Tools::Cadre (&framed.widget, 0, CADRE_RAISED, 0, x, x + 56, y, y + 28);
+            Tools::Cadre (&framed.widget, 0, Tools::CADRE_RAISED, 0, x, x + 56, y, y + 28);
             item.fill (&framed.widget, x, x + 56, y, y + 28);
         }
         Scene_Label (window, x, 6, item.label);
@@ -103,7 +103,7 @@ static void Select_Case (Window window, int x, const char *label, int selected, 
                          uint32_t flags, int inset) {
     Scene_Widget framed (window, x, 24, 64, 40);
     Tools::Clear (&framed.widget);
-    Tools::Cadre (&framed.widget, 0, CADRE_RAISED, 2, x, x + 64, 24, 64);
+    Tools::Cadre (&framed.widget, 0, Tools::CADRE_RAISED, 2, x, x + 64, 24, 64);
     Tools::Fill_Select (&framed.widget, selected, image, flags, inset, x, x + 65, 23, 64);
     Scene_Label (window, x, 6, label);
 }
@@ -139,7 +139,7 @@ static void Scene_Images (Window window) {
     int x = 8;
     for (const Image_Case &item : CASES) {
         Scene_Widget framed (window, x, 24, PICTURE_W + 1, PICTURE_H + 1);
-        Tools::Cadre (&framed.widget, 0, CADRE_RAISED, 0, x, x + PICTURE_W + 1, 24, 24 + PICTURE_H + 1);
+        Tools::Cadre (&framed.widget, 0, Tools::CADRE_RAISED, 0, x, x + PICTURE_W + 1, 24, 24 + PICTURE_H + 1);
         if (Device::Begin (window, nullptr, "Scene_Images")) {
             Device::ClipTo (x + 1, 24, PICTURE_W, PICTURE_H);
             Device::Draw_Image (x + 1 + item.dx, 25 + item.dy, Picture_Pixels (), item.source_x, item.source_y, item.w,
@@ -164,13 +164,13 @@ static void Cadre_Row (Window window, int y, const char *label, uint32_t state, 
 }
 
 static void Scene_Cadres (Window window) {
-    Cadre_Row (window, 136, "Raised", 0, CADRE_RAISED);
-    Cadre_Row (window, 100, "Sunken", 0, CADRE_SUNKEN);
-    Cadre_Row (window, 64, "Raised, bare", WIDGET_NO_OUTLINE, CADRE_RAISED);
-    Cadre_Row (window, 28, "Sunken, bare", WIDGET_NO_OUTLINE, CADRE_SUNKEN);
+    Cadre_Row (window, 136, "Raised", 0, Tools::CADRE_RAISED);
+    Cadre_Row (window, 100, "Sunken", 0, Tools::CADRE_SUNKEN);
+    Cadre_Row (window, 64, "Raised, bare", WIDGET_NO_OUTLINE, Tools::CADRE_RAISED);
+    Cadre_Row (window, 28, "Sunken, bare", WIDGET_NO_OUTLINE, Tools::CADRE_SUNKEN);
     Scene_Widget framed (window, 344, 136, 36, 24);
     Tools::Clear (&framed.widget);
-    Tools::Cadre (&framed.widget, 0, CADRE_RAISED, 0, 344, 380, 136, 160);
+    Tools::Cadre (&framed.widget, 0, Tools::CADRE_RAISED, 0, 344, 380, 136, 160);
     Tools::Cadre_Outline (&framed.widget, 344, 380, 136, 160);
     Scene_Label (window, 344, 120, "Outline");
     for (int depth = 0; depth <= 4; depth++) {
@@ -183,10 +183,11 @@ static void Scene_Cadres (Window window) {
 // --- arrows ----------------------------------------------------------------
 
 static void Arrow_Group (Window window, int x, int y, int size, int pressed, uint32_t state) {
-    for (int direction = ARROW_LEFT; direction <= ARROW_DOWN; direction++, x += size + 6) {
+    for (int direction = Tools::ARROW_LEFT; direction <= Tools::ARROW_DOWN; direction++, x += size + 6) {
         Scene_Widget button (window, x, y, size, size, 170, 170, 170);
         Tools::Clear (&button.widget);
-        Tools::Cadre (&button.widget, 0, pressed ? CADRE_SUNKEN : CADRE_RAISED, 1, x, x + size, y, y + size);
+        Tools::Cadre (&button.widget, 0, pressed ? Tools::CADRE_SUNKEN : Tools::CADRE_RAISED, 1, x, x + size, y,
+                      y + size);
         button.widget.state = state;
         Tools::Arrow (&button.widget, direction, pressed, x, x + size, y, y + size);
     }
@@ -217,7 +218,7 @@ static void Draw_Text_Case (Window window, Drawing_Font font, int x, int y, int 
     const int    dark = item.flags & WIDGET_TEXT_WHITE ? 90 : 220;
     Scene_Widget framed (window, x, y, w, h, dark, dark, dark);
     Tools::Clear (&framed.widget);
-    Tools::Cadre (&framed.widget, WIDGET_NO_OUTLINE, CADRE_SUNKEN, 1, x, x + w, y, y + h);
+    Tools::Cadre (&framed.widget, WIDGET_NO_OUTLINE, Tools::CADRE_SUNKEN, 1, x, x + w, y, y + h);
     Tools::Text (&framed.widget, font, item.text, item.flags, x, y, w, h, 3);
     if (item.label) Scene_Label (window, x, y - 14, item.label);
 }

@@ -3,7 +3,9 @@
 if (WIN32)
     tagwright_test (platform win32_child.cpp win32_registry_test.cpp win32_system_test.cpp win32_window_test.cpp)
 else ()
-    tagwright_test (platform posix_log_test.cpp posix_system_test.cpp posix_window_test.cpp)
+    tagwright_test (platform
+        posix_log_test.cpp posix_picture_test.cpp posix_system_test.cpp posix_window_test.cpp sdl_drawing_test.cpp
+        sdl_window_test.cpp)
     add_executable (platform_child platform/posix_child.cpp)
     target_link_libraries (platform_child PRIVATE tagwright_options tagwright_platform)
     target_compile_definitions (platform_test PRIVATE PLATFORM_CHILD="$<TARGET_FILE:platform_child>")

@@ -16,7 +16,7 @@ static const int TEXT_LEFT    = 28; // Behind the icon's column.
 static const int NAME_LEFT    = 118;
 static const int VR_RIGHT     = 290;
 static const int SIZE_LEFT    = 300;
-static const int SIZE_WIDTH   = 30; // At least; the difference label follows.
+static const int SIZE_ROOM    = 30; // At least; the difference label follows.
 static const int SIZE_GAP     = 10;
 static const int TEXT_BELOW   = 4;  // A text's bottom below that of its band.
 static const int MIDDLE       = 7;  // Connector in its column,
@@ -214,11 +214,11 @@ static void Draw_Attribute (const Text_Line_Look *look, const Labels *labels) {
     Draw_Text (look, look->x + TEXT_LEFT, tag);
     if (look->row->name) Draw_Text (look, look->x + NAME_LEFT, look->row->name);
 
-    const int columns   = look->pane->x0 + TREE_LEFT;
-    const int size_room = std::max (SIZE_WIDTH, Tools::TextWidth (look->font, labels->size) + SIZE_GAP);
+    const int columns = look->pane->x0 + TREE_LEFT;
+    const int room    = std::max (SIZE_ROOM, Tools::TextWidth (look->font, labels->size) + SIZE_GAP);
     Draw_Text (look, columns + VR_RIGHT - Tools::TextWidth (look->font, labels->vr), labels->vr);
     Draw_Text (look, columns + SIZE_LEFT, labels->size);
-    Draw_Text (look, columns + SIZE_LEFT + size_room, labels->diff);
+    Draw_Text (look, columns + SIZE_LEFT + room, labels->diff);
 }
 
 // Labels are made of each row in turn, seen or not: a row without one of its own shows the last one made.

@@ -329,6 +329,7 @@ int ModifierDown (int key) {
 static const int POINTS_DEFAULT   = 12;
 static const int POINTS_LIMIT     = 2000;
 static const int PIXELS_PER_INCH  = 96; // Where there is no window to ask.
+static const int DENSITY_LIMIT    = 10000;
 static const int FONT_WEIGHT_BOLD = 700;
 
 static Font_Maker font_maker = Drawing_Font_Create;
@@ -346,9 +347,9 @@ static int Pixels_Per_Inch (Window window) {
 // The divisor counts whole steps of 96 pixels: all other measures of the window are pixels, so a screen of twice the
 // density must not have texts of twice the height. A screen below the first step counts as on it.
 int Font_Height (int points, int pixels_per_inch) {
+    const int density = std::clamp (pixels_per_inch, 1, DENSITY_LIMIT);
     if (points < 1) points = POINTS_DEFAULT;
-    const int steps = std::max (1, pixels_per_inch / PIXELS_PER_INCH);
-    return std::min (points, POINTS_LIMIT) * std::clamp (pixels_per_inch, 1, IMAGE_LIMIT) / (steps * 72);
+    return std::min (points, POINTS_LIMIT) * density / (std::max (1, density / PIXELS_PER_INCH) * 72);
 }
 
 static int Is_Word (const char *text, const char *word) { return text && !strcmp (text, word); }

@@ -13,13 +13,15 @@ static int Has_Arrows (const Button_Widget *button) { return (button->widget.sta
 
 static int Is_Across (const Button_Widget *button) { return (button->widget.state & WIDGET_ARROWS_ACROSS) != 0; }
 
-// Two arrows take no more than the whole length inside the frame.
+// Arrows stay inside the frame, and two of them take no more than its whole length.
 static int Arrow_Size (const Button_Widget *button) {
     const Widget &widget = button->widget;
     int           frame  = Look_Bevel (&widget, &button->look) + 1;
-    int           length = (Is_Across (button) ? widget.w : widget.h) - 2 * frame;
-    int           size   = button->arrow_size > 0 ? button->arrow_size : std::min (widget.w, widget.h) - 2 * frame;
-    return std::max (0, std::min (size, length / 2));
+    int           across = Is_Across (button);
+    int           length = (across ? widget.w : widget.h) - 2 * frame;
+    int           side   = (across ? widget.h : widget.w) - 2 * frame;
+    int           size   = button->arrow_size > 0 ? button->arrow_size : std::min (length, side);
+    return std::max (0, std::min ({size, length / 2, side}));
 }
 
 // An arrow in a square whose lower left corner this is.

@@ -6,7 +6,7 @@
 struct Button_Widget {
     Widget   widget;        // WIDGET_ARROWS, WIDGET_ARROWS_ACROSS.
     Box_Look look;
-    int16_t  arrow_size;    // Of each arrow; 0 stands for the short side less the frame.
+    int16_t  arrow_size;    // Of each arrow, as far as there is room; 0 stands for the short side less the frame.
 };
 
 namespace Buttons {

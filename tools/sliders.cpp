@@ -72,7 +72,7 @@ static double Extent (const Slider *slider) {
 // How far the thumb has gone from the slider's start, 0 to 1.
 static double Way (const Slider *slider) {
     double extent = Extent (slider);
-    double way    = extent > 0 ? (Within (slider, slider->value) - slider->minimum) / extent : 0;
+    double way    = extent > 0 ? (static_cast<double> (Within (slider, slider->value)) - slider->minimum) / extent : 0;
     return Is_Reversed (slider) ? 1 - way : way;
 }
 

@@ -6,6 +6,7 @@
 
 #include <string.h>
 
+#include <algorithm>
 #include <chrono>
 
 #include "tools/keyboard.h"
@@ -253,29 +254,25 @@ static void Fill (const Area *area, uint32_t colour) {
     Device::FillRect (area->left, area->bottom - 1, area->right, area->top - 1);
 }
 
-static int Smaller (int a, int b) { return a < b ? a : b; }
-
-static int Larger (int a, int b) { return a > b ? a : b; }
-
 // The area, as far as the widget's own clip lets it be seen.
 static void Clip (const Text_Widget *text, const Area *area) {
     const Widget_Rectangle *clip = &text->widget.clip;
     Area                    seen = *area;
     if (clip->w) {
-        seen.left   = Larger (seen.left, clip->x);
-        seen.bottom = Larger (seen.bottom, clip->y);
-        seen.right  = Smaller (seen.right, clip->x + clip->w);
-        seen.top    = Smaller (seen.top, clip->y + clip->h);
+        seen.left   = std::max<int> (seen.left, clip->x);
+        seen.bottom = std::max (seen.bottom, clip->y + 1);
+        seen.right  = std::min (seen.right, clip->x + clip->w);
+        seen.top    = std::min (seen.top, clip->y + clip->h + 1);
     }
-    Device::ClipTo (seen.left, seen.bottom, Larger (seen.right - seen.left, 0), Larger (seen.top - seen.bottom, 0));
+    Device::ClipTo (seen.left, seen.bottom - 1, seen.right - seen.left, seen.top - seen.bottom);
 }
 
 // A line too long for the field is shown around its cursor.
 static void Draw_Typed (Text_Widget *text, const Area *area, int row) {
     Pen pen    = Pen_At (text, area, row);
     int length = (int)strnlen (text->text, TEXT_SIZE - 1);
-    int before = Device::Run_Width (pen.font, text->text, Smaller (text->cursor, length));
-    pen.start -= Larger (0, pen.start + before + LEFT_MARGIN - area->right);
+    int before = Device::Run_Width (pen.font, text->text, std::min (text->cursor, length));
+    pen.start -= std::max (0, pen.start + before + LEFT_MARGIN - area->right);
     Area bar = {pen.start + before, pen.y, pen.start + before + 1, pen.y + Pitch (text)};
     Draw_Run (&pen, text->text, length);
     Fill (&bar, BLACK);
@@ -292,7 +289,7 @@ static void Draw_Row (Text_Widget *text, const Area *area, int row) {
 
 // The row after the last line that is shown, where typing stands.
 static int End_Row (const Text_Widget *text) {
-    return Smaller (text->line_count - text->line_top, Texts::Visible_Lines (text));
+    return std::min (text->line_count - text->line_top, Texts::Visible_Lines (text));
 }
 
 // From this row on, down to the frame.

@@ -19,10 +19,15 @@ static const char *const MODULE = "texts";
 static const int COLOUR       = 170; // Of each component, when the user chose none.
 static const int LEFT_MARGIN  = 2;   // From the field's edge to its first character.
 static const int FRAME        = 2;   // The outline and one ring.
-static const int TAB_WIDTH    = 4;   // Average characters from one tab stop to the next.
 static const int RUN_LIMIT    = 512; // Bytes drawn with one call: a line may have a million.
 static const int SMALLEST     = 30;  // A field narrower or lower than this has no slider.
+static const int DEFAULT_TAB  = 32;  // From one tab stop to the next, of the same.
 static const int DEFAULT_LINE = 16;  // Pitch of a field that could not be measured.
+
+// A tab stop is as wide as four characters of a heading. The legend of the main window counts on it: the heading of its
+// first column is measured, so that the texts below reach the next column with the tabs that they have, in every size.
+static const char *const TAB_SAMPLE = " Color code:";
+static const int64_t     TAB_COUNT  = 3; // Stops that the sample covers.
 
 // --- geometry --------------------------------------------------------------
 
@@ -218,9 +223,11 @@ static void Draw_Run (Pen *pen, const char *run, int length) {
     pen->width += Device::Run_Width (pen->font, run, length);
 }
 
+// The first one behind this width.
 static int Tab_Stop (const Text_Widget *text, int width) {
-    int tab = text->tab > 0 ? text->tab : TAB_WIDTH * DEFAULT_LINE / 2;
-    return (width / tab + 1) * tab;
+    int64_t tabs = text->tabs > 0 ? text->tabs : TAB_COUNT * DEFAULT_TAB;
+    int64_t stop = (width * TAB_COUNT / tabs + 1) * tabs;
+    return (int)((stop + TAB_COUNT - 1) / TAB_COUNT);
 }
 
 static void Draw_Line (Pen *pen, const char *line) {
@@ -322,7 +329,7 @@ static void Slider_Follow (Text_Widget *text) {
     slider->value        = (float)text->line_top;
     slider->step         = 1;
     slider->widget.state = kept | (hidden ? SLIDER_VERTICAL : SLIDER_VERTICAL_DISABLED);
-    Sliders::Proportion (slider, Texts::Visible_Lines (text), text->line_count);
+    if (!kept) Sliders::Proportion (slider, Texts::Visible_Lines (text), text->line_count);
 }
 
 static void Slider_Place (Text_Widget *text) {
@@ -336,8 +343,8 @@ static void Slider_Place (Text_Widget *text) {
     widget->clip         = field->clip;
     widget->state        = 0;
     if (field->w < SMALLEST || field->h < SMALLEST) widget->state = WIDGET_HIDDEN;
-    Slider_Follow (text);
     if (Has_Slider (text)) Sliders::Init (&text->slider, field->window);
+    Slider_Follow (text);
 }
 
 static void Slider_Draw (Text_Widget *text) {
@@ -384,7 +391,7 @@ static void Measure (Text_Widget *text) {
     if (own && !Widget_Begin (&text->widget, MODULE)) return;
     Device::Font_Measure (text->normal, &metrics);
     text->pitch           = metrics.height;
-    text->tab             = TAB_WIDTH * metrics.average_width;
+    text->tabs            = Device::Run_Width (text->bold, TAB_SAMPLE, (int)strlen (TAB_SAMPLE));
     text->character_width = Device::Run_Width (text->normal, "H", 1);
     if (own) Widget_End (&text->widget);
 }
@@ -449,18 +456,17 @@ void Texts::Scroll (Text_Widget *text, int lines) {
 
 // --- mouse -----------------------------------------------------------------
 
+static const int MOUSE_STATES = 15; // Bits of a state that count.
+
 static void Follow_Thumb (Text_Widget *text) {
     text->slider.value = Sliders::Read (&text->slider);
     Sliders::Adjust (&text->slider);
     Scroll_To (text, (int64_t)(text->slider.value + 0.5f));
 }
 
-// The slider's positions are made for its range, which grew with the lines written since.
 static int Press (Text_Widget *text) {
     if (!text->active) return 0;
-    if (!Has_Slider (text) || !Last_Top (text)) return 1;
-    Slider_Follow (text);
-    Sliders::Init (&text->slider, text->widget.window);
+    if (Has_Slider (text)) Slider_Follow (text);
     if (Sliders::Select (&text->slider, MOUSE_PRESSED)) Follow_Thumb (text);
     return 1;
 }
@@ -483,8 +489,9 @@ int Texts::Select (Text_Widget *text, int mouse_state) {
     Widget_Check (&text->widget, "Texts::Select");
     Device::Pointer_Get (&x, &y);
     text->active = !(text->widget.state & WIDGET_MOUSE_IGNORED) && Widget_Contains (&text->widget, x, y);
+    mouse_state &= MOUSE_STATES;
     if (mouse_state == MOUSE_HELD) return Drag (text);
-    return mouse_state == MOUSE_PRESSED ? Press (text) : Release (text);
+    return mouse_state & MOUSE_PRESSED ? Press (text) : Release (text);
 }
 
 int Text::Select (Text_Widget *text, int mouse_state) { return Texts::Select (text, mouse_state); }

@@ -22,7 +22,7 @@ struct Text_Widget {
     Drawing_Font  normal, bold, oblique;        // Owned, made by Init. None is the system font.
     int           character_width;      // Of an "H" in the normal font.
     int           pitch;        // Of a line: the normal font's height.
-    int           tab;          // Pixels from one tab stop to the next.
+    int           tabs;         // Pixels from one tab stop to the third after it.
     int           cursor;       // Byte of text that the cursor stands before.
     int           echo;         // 1: typed keys are taken and shown.
 

@@ -44,9 +44,11 @@ struct Window_Record {
     Area             dirty;         // Drawn, and not on the screen yet.
 
     Drawing_Record   drawing;       // Its window is none while no drawing is open.
-    int              invalid;       // A paint event is due.
+    int              invalid;       // A paint event follows when the queue is empty.
+    int              due;           // It is this window's turn to be painted.
     int              busy;          // Events being delivered; the record lives until they are.
-    int              destroyed;
+    int              destroying;    // Window_Destroy has begun,
+    int              destroyed;     // and ended: only the record is left.
 
     int              x, y;          // Pointer.
     int              pointer_known; // 0: the pointer moves elsewhere, and the system knows where.

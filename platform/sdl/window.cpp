@@ -113,6 +113,8 @@ static void Hints_Set (void) {
     SDL_SetHint (SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
     SDL_SetHint (SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
     SDL_SetHint (SDL_HINT_APP_NAME, "Tagwright");
+    // Others show nothing, and a window that nobody sees is worse than a message. SDL_VIDEODRIVER overrides it.
+    SDL_SetHint (SDL_HINT_VIDEODRIVER, getenv ("WAYLAND_DISPLAY") ? "x11,wayland" : "x11");
     SDL_setenv ("SDL_VIDEO_X11_WMCLASS", "tagwright", 0);
     SDL_setenv ("SDL_VIDEO_WAYLAND_WMCLASS", "tagwright", 0);
 }
@@ -205,17 +207,16 @@ void Window_Release (Window window) {
 }
 
 void Window_Destroy (Window window) {
-    if (window->destroyed) return;
+    if (window->destroying) return; // Its procedure, or whoever that has called, is at it.
+    window->destroying = 1;
     Window_Hold (window);
     Window_Event event = Event_Of (WINDOW_DESTROY);
     Deliver (window, &event);
-    if (!window->destroyed) {
-        if (captured == window) Window_Capture_End ();
-        List_Remove (window);
-        if (window->shown) SDL_DestroyWindow (window->shown);
-        window->shown     = nullptr;
-        window->destroyed = 1;
-    }
+    if (captured == window) Window_Capture_End ();
+    List_Remove (window);
+    if (window->shown) SDL_DestroyWindow (window->shown);
+    window->shown     = nullptr;
+    window->destroyed = 1;
     Window_Let_Go (window);
 }
 
@@ -555,9 +556,15 @@ static void Route (SDL_Event *event) {
     }
 }
 
-static Window Invalid_First (int on_screen) {
+static Window Invalid_First (void) {
     for (Window window = windows; window; window = window->next)
-        if (window->invalid && (window->shown != nullptr) == on_screen) return window;
+        if (window->invalid && window->shown) return window;
+    return nullptr;
+}
+
+static Window Due_First (void) {
+    for (Window window = windows; window; window = window->next)
+        if (window->due) return window;
     return nullptr;
 }
 
@@ -575,18 +582,22 @@ static void Present_All (void) {
 static void Turn (void) {
     SDL_Event event;
     if (SDL_PollEvent (&event)) return Route (&event);
-    if (Window window = Invalid_First (1)) return Paint (window);
+    if (Window window = Invalid_First ()) return Paint (window);
     Present_All ();
     if (SDL_WaitEvent (&event)) Route (&event);
 }
 
+// Nothing else happens to windows that are never seen, so each of them is painted once at most.
+static void Paint_Off_Screen (void) {
+    for (Window window = windows; window; window = window->next) window->due = !window->shown && window->invalid;
+    while (Window window = quitting ? nullptr : Due_First ()) {
+        window->due = 0;
+        Paint (window);
+    }
+}
+
 int Window_Loop (void) {
-    // Off-screen windows get no further events, so each is painted once at most.
-    for (Window window = windows; window && !quitting; window = window->next)
-        if (!window->shown && window->invalid) {
-            Paint (window);
-            break;
-        }
+    Paint_Off_Screen ();
     while (!quitting && On_Screen_First ()) Turn ();
     int code = quitting ? quit_code : 0;
     quitting = 0;

@@ -6,9 +6,17 @@ if (WIN32)
 else ()
     tagwright_test (platform
         posix_log_test.cpp posix_picture_test.cpp posix_system_test.cpp posix_window_test.cpp sdl_drawing_test.cpp
-        sdl_window_test.cpp)
+        sdl_window_test.cpp ../support/program.cpp)
     add_executable (platform_child platform/posix_child.cpp)
     target_link_libraries (platform_child PRIVATE tagwright_options tagwright_platform)
     target_compile_definitions (platform_test PRIVATE PLATFORM_CHILD="$<TARGET_FILE:platform_child>")
     add_dependencies (platform_test platform_child)
+
+    # Stands where the module is found.
+    add_executable (sdl_child platform/sdl_child.cpp)
+    target_link_libraries (sdl_child PRIVATE tagwright_options tagwright_platform)
+    set_target_properties (sdl_child PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
+    target_compile_definitions (platform_test PRIVATE
+        SDL_CHILD="$<TARGET_FILE:sdl_child>" SDL_MODULE="$<TARGET_FILE:tagwright_display>")
+    add_dependencies (platform_test sdl_child tagwright)
 endif ()

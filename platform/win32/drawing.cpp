@@ -128,10 +128,8 @@ static const Surface *Surface_Of (Drawing drawing) {
     return drawing && drawing->window ? &drawing->window->surface : nullptr;
 }
 
-int Drawing_Pixels_Per_Inch (Drawing drawing) {
-    const Surface *surface = Surface_Of (drawing);
-    return surface ? GetDeviceCaps (surface->context, LOGPIXELSY) : USER_DEFAULT_SCREEN_DPI;
-}
+// One unit is one pixel on every screen, so the measure of fonts is the same as well.
+int Drawing_Pixels_Per_Inch (Drawing) { return USER_DEFAULT_SCREEN_DPI; }
 
 // --- clip ------------------------------------------------------------------
 
@@ -264,11 +262,32 @@ void Drawing_Image (Drawing drawing, int x, int y, int width, int height, const 
 // A font's record is the system's own handle.
 static HFONT Handle (Drawing_Font font) { return reinterpret_cast<HFONT> (font); }
 
-Drawing_Font Drawing_Font_Create (const char *face, int height, int bold, int italic) {
+// The system's own "Courier" is made of pixels, for few sizes and few characters. Its outlines have another name. Where a
+// face is missing, the family decides what is taken for it.
+struct Face {
+    const char *asked;
+    const char *taken;
+    DWORD       family;
+};
+
+static const Face faces[] = {
+    {"Arial", "Arial", VARIABLE_PITCH | FF_SWISS},
+    {"Courier", "Courier New", FIXED_PITCH | FF_MODERN},
+    {"Courier New", "Courier New", FIXED_PITCH | FF_MODERN},
+};
+
+static Face Face_Of (const char *name) {
+    for (const Face &face : faces)
+        if (name && !lstrcmpiA (name, face.asked)) return face;
+    return Face {name, name, DEFAULT_PITCH | FF_DONTCARE};
+}
+
+Drawing_Font Drawing_Font_Create (const char *name, int height, int bold, int italic) {
+    Face  face   = Face_Of (name);
     int   pixels = height < 1 ? 1 : height > FONT_LIMIT ? FONT_LIMIT : height;
     HFONT font   = CreateFontA (-pixels, 0, 0, 0, bold ? FW_BOLD : FW_DONTCARE, italic ? TRUE : FALSE, FALSE, FALSE,
                                 DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, ANTIALIASED_QUALITY,
-                                DEFAULT_PITCH | FF_DONTCARE, face);
+                                face.family, face.taken);
     return reinterpret_cast<Drawing_Font> (font);
 }
 

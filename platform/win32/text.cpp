@@ -32,7 +32,12 @@ static UINT System_Code_Page (void) {
     return page;
 }
 
-static int Is_Control (uint32_t character) { return character < 0x20 || (character >= 0x7F && character < 0xA0); }
+// Controls have no picture of their own, and some would turn the direction of the run: each is a blank.
+static int Is_Control (uint32_t character) {
+    int control = character < 0x20 || (character >= 0x7F && character < 0xA0);
+    int format  = (character >= 0x2028 && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069);
+    return control || format;
+}
 
 static int Put_Character (uint32_t character, wchar_t *result) {
     if (Is_Control (character)) character = ' ';

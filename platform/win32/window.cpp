@@ -263,7 +263,7 @@ void Window_Quit (int code) { PostQuitMessage (code); }
 
 // What buttons, modifiers and pointer are according to an event that was sent.
 static void Input_Follow (Window_State *state, const Window_Event *event) {
-    if (event->kind < WINDOW_KEY_DOWN || event->kind > WINDOW_WHEEL) return;
+    if (event->kind < WINDOW_KEY_DOWN || event->kind > WINDOW_WHEEL || event->kind == WINDOW_CHARACTER) return;
     if (!Input.sent) Input = Window_Input {1, 0, 0};
     Input.modifiers = event->modifiers;
     if (event->kind < WINDOW_MOUSE_MOVE) return;
@@ -279,8 +279,6 @@ int Window_Send (Window window, const Window_Event *event) {
     Window_State *state = Window_State_Of (window);
     if (!state) return 0;
     Input_Follow (state, event);
-    if (event->kind == WINDOW_SIZE && state->off_screen)
-        Surface_Resize (&state->surface, event->width, event->height, state->background);
     return Window_Deliver (state, event);
 }
 

@@ -184,6 +184,7 @@ struct Head {
     int direction;
     int tip, low, high; // Where the tip is, along the direction, and the middle, across it.
     int lines;
+    int rim; // 1 where there is room for one.
 };
 
 static int Is_Across (int direction) { return direction == ARROW_LEFT || direction == ARROW_RIGHT; }
@@ -197,7 +198,7 @@ static Head Head_In (const Corners &corners, int direction) {
     const int start = across ? corners.left : corners.bottom, side = across ? corners.bottom : corners.left;
     const int lines = std::clamp ((std::min (w, h) * 3 + 5) / 10, 1, HEAD_LINES), before = (along_size - lines) / 2;
     const int tip = Points_Up (direction) ? start + along_size - 1 - before : start + before;
-    return {direction, tip, side + (across_size - 1) / 2, side + across_size / 2, lines};
+    return {direction, tip, side + (across_size - 1) / 2, side + across_size / 2, lines, std::min (w, h) > 2};
 }
 
 // One line of the head across its direction, from low to high, both included.
@@ -212,18 +213,19 @@ static void Head_Body (const Head &head, uint32_t colour) {
     for (int line = 0; line < head.lines; line++) Head_Line (head, line, head.low - line, head.high + line);
 }
 
-// The three sides of the head, one unit outside of its body: those that look up or left in one colour, the others in the
-// other one.
+// The three sides of the head and its tip, one unit outside of its body: what looks up or left is in one colour, the rest
+// in the other one.
 static void Head_Rim (const Head &head, uint32_t upper_left, uint32_t lower_right) {
-    const int across = Is_Across (head.direction);
-    for (int line = -1; line < head.lines; line++) {
+    const int across = Is_Across (head.direction), down_right = Points_Up (head.direction) == across;
+    for (int line = 0; line < head.lines; line++) {
         Device::Colour_Set (across ? lower_right : upper_left);
         Head_Line (head, line, head.low - line - 1, head.low - line - 1);
         Device::Colour_Set (across ? upper_left : lower_right);
         Head_Line (head, line, head.high + line + 1, head.high + line + 1);
     }
-    const int base_up_left = head.direction == ARROW_DOWN || head.direction == ARROW_RIGHT;
-    Device::Colour_Set (base_up_left ? upper_left : lower_right);
+    Device::Colour_Set (down_right ? lower_right : upper_left);
+    Head_Line (head, -1, head.low, head.high);
+    Device::Colour_Set (down_right ? upper_left : lower_right);
     Head_Line (head, head.lines, head.low - head.lines, head.high + head.lines);
 }
 
@@ -235,7 +237,7 @@ void Arrow (Widget *widget, int direction, int pressed, int x1, int x2, int y1, 
     const Head head = Head_In (corners, direction);
     if (widget->state & WIDGET_INACTIVE) Head_Body (head, ARROW_LIGHT);
     else {
-        Head_Rim (head, pressed ? ARROW_DARK : ARROW_LIGHT, pressed ? ARROW_LIGHT : ARROW_DARK);
+        if (head.rim) Head_Rim (head, pressed ? ARROW_DARK : ARROW_LIGHT, pressed ? ARROW_LIGHT : ARROW_DARK);
         Head_Body (head, BLACK);
     }
     Widget_End (widget);

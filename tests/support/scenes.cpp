@@ -174,7 +174,7 @@ static void Scene_Cadres (Window window) {
     Tools::Cadre_Outline (&framed.widget, 344, 380, 136, 160);
     Scene_Label (window, 344, 120, "Outline");
     for (int depth = 0; depth <= 4; depth++) {
-        char text[16];
+        char text[32];
         snprintf (text, sizeof text, "Depth %d", depth);
         Scene_Label (window, 96 + depth * 48, 8, text);
     }

@@ -60,11 +60,11 @@ void Look_Draw (Widget *widget, Box_Look *look, int direction) {
 }
 
 // White is the palest colour of texts that is not the face's own.
-void Look_Label (Widget *widget, const Box_Look *look, int x, int y, int w, int h) {
+void Look_Label (Widget *widget, const Box_Look *look, int margin, int x, int y, int w, int h) {
     uint32_t flags = widget->state;
     if (!(flags & (WIDGET_ALIGN_BOTTOM | WIDGET_LABEL_FREE))) flags |= WIDGET_ALIGN_TOP;
     if (flags & WIDGET_INACTIVE) flags = (flags & ~WIDGET_TEXT_BLUE) | WIDGET_TEXT_WHITE;
-    Tools::Text (widget, look->font, look->label, flags, x, y, w, h, Margin (look));
+    Tools::Text (widget, look->font, look->label, flags, x, y, w, h, margin);
 }
 
 // --- boxes -----------------------------------------------------------------
@@ -76,7 +76,7 @@ static int Inset (const Box_Widget *box) {
 static void Draw_Inside (Box_Widget *box) {
     Widget *widget = &box->widget;
     Look_Fill (widget, &box->look, Inset (box));
-    Look_Label (widget, &box->look, widget->x, widget->y, widget->w, widget->h);
+    Look_Label (widget, &box->look, Inset (box), widget->x, widget->y, widget->w, widget->h);
 }
 
 void Boxs::Init (Box_Widget *box, Window window) {

@@ -19,4 +19,4 @@ void Look_Draw (Widget *widget, Box_Look *look, int direction);
 void Look_Fill (Widget *widget, const Box_Look *look, int inset);
 
 // The label in a part of the widget, at its top unless the state asks for another place.
-void Look_Label (Widget *widget, const Box_Look *look, int x, int y, int w, int h);
+void Look_Label (Widget *widget, const Box_Look *look, int margin, int x, int y, int w, int h);

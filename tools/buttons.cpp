@@ -9,6 +9,8 @@
 
 static int Has_Arrows (const Button_Widget *button) { return (button->widget.state & WIDGET_ARROWS) != 0; }
 
+static const int SMALLEST_ARROW = 4;
+
 // --- arrows ----------------------------------------------------------------
 
 static int Is_Across (const Button_Widget *button) { return (button->widget.state & WIDGET_ARROWS_ACROSS) != 0; }
@@ -35,7 +37,7 @@ static void Draw_Arrows (Button_Widget *button) {
     int           frame  = Look_Bevel (&widget, &button->look) + 1;
     int           x      = widget.x + (widget.w - size) / 2;
     int           y      = widget.y + (widget.h - size) / 2;
-    if (size < 1) return;
+    if (size < SMALLEST_ARROW) return;
     if (Is_Across (button)) {
         Draw_Arrow (button, Tools::ARROW_LEFT, widget.x + frame, y, size);
         Draw_Arrow (button, Tools::ARROW_RIGHT, widget.x + widget.w - frame - size, y, size);
@@ -89,7 +91,8 @@ static void Draw_Label (Button_Widget *button) {
     int     size   = Has_Arrows (button) ? Arrow_Size (button) : 0;
     int     across = Is_Across (button) ? size : 0;
     int     down   = Is_Across (button) ? 0 : size;
-    Look_Label (&widget, &button->look, widget.x + across, widget.y + down, widget.w - 2 * across, widget.h - 2 * down);
+    Look_Label (&widget, &button->look, Look_Inset (&button->look), widget.x + across, widget.y + down,
+                widget.w - 2 * across, widget.h - 2 * down);
 }
 
 static void Draw_Inside (Button_Widget *button) {

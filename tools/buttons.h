@@ -1,4 +1,5 @@
-// Buttons: boxes that are pushed or dragged (the separators of the main window), with arrows if wanted.
+// Buttons: boxes that are pushed or dragged (the separators of the main window), with arrows if wanted. A long bar with
+// nothing on it shows a grip in its middle; a margin of 1 lets the highlight fill the face of a thin one.
 #pragma once
 
 #include "tools/boxes.h"

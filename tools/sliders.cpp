@@ -22,8 +22,8 @@ static int Is_Vertical (const Slider *slider) { return (slider->widget.state & W
 static int Is_Reversed (const Slider *slider) { return (slider->widget.state & WIDGET_REVERSED) != 0; }
 static int Is_Empty (const Slider *slider) { return slider->widget.w < 1 || slider->widget.h < 1; }
 
-static int Long_Side (const Slider *slider) { return std::max (slider->widget.w, slider->widget.h); }
-static int Short_Side (const Slider *slider) { return std::min (slider->widget.w, slider->widget.h); }
+static int Long_Side (const Slider *slider) { return Is_Vertical (slider) ? slider->widget.h : slider->widget.w; }
+static int Short_Side (const Slider *slider) { return Is_Vertical (slider) ? slider->widget.w : slider->widget.h; }
 static int Arrow_Size (const Slider *slider) { return slider->arrow_size > 0 ? slider->arrow_size : WIDGET_BORDER; }
 static int Half (const Slider *slider) { return std::clamp (slider->half, 0, LONGEST_HALF); }
 
@@ -115,6 +115,7 @@ static const int GRIP_LIGHT    = 60;
 static const int GRIP_DARK     = -70;
 static const int GRIP_PITCH    = 3;
 static const int GRIP_INSET    = 5;  // Of the grip's lines from the thumb's long edges.
+static const int SHORTEST_HEAD = 6;  // A smaller button has no room for an arrow head in its frame.
 static const int SHORTEST_GRIP = 24; // A shorter thumb has no lines.
 
 // Pixels, all included.
@@ -182,7 +183,8 @@ static void Draw_Arrow (Slider *slider, int far_end) {
     Area area      = Part_Area (slider, from, from + length, 0);
     if (slider->widget.state & WIDGET_INACTIVE) Draw_Pale (slider, area);
     else Draw_Knob (slider, area, pressed ? Tools::CADRE_SUNKEN : Tools::CADRE_RAISED, pressed);
-    Tools::Arrow (&slider->widget, direction, pressed, area.left, area.right, area.bottom, area.top);
+    if (length >= SHORTEST_HEAD && Short_Side (slider) >= SHORTEST_HEAD)
+        Tools::Arrow (&slider->widget, direction, pressed, area.left, area.right, area.bottom, area.top);
 }
 
 static void Draw_Arrows (Slider *slider) {

@@ -297,11 +297,21 @@ static void Scene_Text_Tabs (Window window) {
 // --- all of them -----------------------------------------------------------
 
 const Scene SCENES[] = {
-    {"fills", 584, 100, Scene_Fills},           {"selects", 480, 72, Scene_Selects},
-    {"images", 552, 56, Scene_Images},          {"cadres", 392, 168, Scene_Cadres},
-    {"arrows", 488, 116, Scene_Arrows},         {"text_alignment", 392, 152, Scene_Text_Alignment},
-    {"text_kinds", 392, 196, Scene_Text_Kinds}, {"text_vertical", 512, 112, Scene_Text_Vertical},
+    {"fills", 584, 100, Scene_Fills},
+    {"selects", 480, 72, Scene_Selects},
+    {"images", 552, 56, Scene_Images},
+    {"cadres", 392, 168, Scene_Cadres},
+    {"arrows", 488, 116, Scene_Arrows},
+    {"text_alignment", 392, 152, Scene_Text_Alignment},
+    {"text_kinds", 392, 196, Scene_Text_Kinds},
+    {"text_vertical", 512, 112, Scene_Text_Vertical},
     {"text_tabs", 320, 96, Scene_Text_Tabs},
+    {"sliders_across", 346, 324, Scene_Sliders_Across},
+    {"sliders_upright", 496, 244, Scene_Sliders_Upright},
+    {"slider_sizes", 438, 124, Scene_Slider_Sizes},
+    {"boxes", 392, 214, Scene_Boxes},
+    {"buttons", 392, 146, Scene_Buttons},
+    {"separators", 400, 120, Scene_Separators},
 };
 
 const int SCENE_COUNT = sizeof SCENES / sizeof SCENES[0];

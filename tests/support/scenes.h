@@ -38,3 +38,12 @@ public:
 
     Widget widget = {};
 };
+
+// --- scenes of other sources -----------------------------------------------
+
+void Scene_Sliders_Across (Window window);      // tests/support/scenes_widgets.cpp
+void Scene_Sliders_Upright (Window window);
+void Scene_Slider_Sizes (Window window);
+void Scene_Boxes (Window window);
+void Scene_Buttons (Window window);
+void Scene_Separators (Window window);

@@ -5,7 +5,8 @@
 #include <string.h>
 #include <string>
 
-#include "../support/log_recorder.h"
+#include "tests/support/log_recorder.h"
+#include "tests/support/off_screen.h"
 #include "tools/device.h"
 #include "util/memory.h"
 
@@ -29,23 +30,13 @@ static void Note (const Device::Call *call) {
 
 class Boxes_Test : public testing::Test {
 protected:
-    Window     window;
-    Box_Widget box = {};
-
-    Boxes_Test () {
-        Window_Description description = {};
-        description.title              = "boxes";
-        description.width              = 300;
-        description.height             = 200;
-        description.background         = GROUND;
-        description.off_screen         = 1;
-        window                         = Window_Create (&description);
-    }
+    Off_Screen screen = Off_Screen (300, 200);
+    Window     window = screen.window;
+    Box_Widget box    = {};
 
     ~Boxes_Test () override {
         Device::Watch (nullptr);
         Boxs::Exit (&box);
-        Window_Destroy (window);
         EXPECT_EQ (Memory_Live (), 0);
     }
 
@@ -79,12 +70,7 @@ protected:
         Device::Watch (Note);
     }
 
-    uint32_t Pixel (int x, int y) {
-        Drawing  drawing = Drawing_Begin (window);
-        uint32_t pixel   = Drawing_Pixel (drawing, x, y);
-        Drawing_End (drawing);
-        return pixel;
-    }
+    uint32_t Pixel (int x, int y) { return screen.Pixel (x, y); }
 };
 
 // --- init ------------------------------------------------------------------

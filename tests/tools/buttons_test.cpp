@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "../support/log_recorder.h"
+#include "tests/support/log_recorder.h"
+#include "tests/support/off_screen.h"
 #include "tools/device.h"
 #include "util/memory.h"
 
@@ -30,23 +31,13 @@ static void Note (const Device::Call *call) {
 
 class Buttons_Test : public testing::Test {
 protected:
-    Window        window;
+    Off_Screen    screen = Off_Screen (300, 200);
+    Window        window = screen.window;
     Button_Widget button = {};
-
-    Buttons_Test () {
-        Window_Description description = {};
-        description.title              = "buttons";
-        description.width              = 300;
-        description.height             = 200;
-        description.background         = GROUND;
-        description.off_screen         = 1;
-        window                         = Window_Create (&description);
-    }
 
     ~Buttons_Test () override {
         Device::Watch (nullptr);
         Buttons::Exit (&button);
-        Window_Destroy (window);
         EXPECT_EQ (Memory_Live (), 0);
     }
 
@@ -79,12 +70,7 @@ protected:
         Device::Watch (Note);
     }
 
-    uint32_t Pixel (int x, int y) {
-        Drawing  drawing = Drawing_Begin (window);
-        uint32_t pixel   = Drawing_Pixel (drawing, x, y);
-        Drawing_End (drawing);
-        return pixel;
-    }
+    uint32_t Pixel (int x, int y) { return screen.Pixel (x, y); }
 };
 
 // --- init ------------------------------------------------------------------

@@ -7,7 +7,8 @@
 #include <memory>
 #include <string.h>
 
-#include "../support/log_recorder.h"
+#include "tests/support/log_recorder.h"
+#include "tests/support/off_screen.h"
 #include "tools/device.h"
 #include "util/memory.h"
 
@@ -23,23 +24,13 @@ static void Count (const Device::Call *call) {
 // A slider in an off-screen window, from 0 to 100.
 class Sliders_Test : public testing::Test {
 protected:
-    Window                  window;
+    Off_Screen              screen = Off_Screen (400, 400);
+    Window                  window = screen.window;
     std::unique_ptr<Slider> slider = std::make_unique<Slider> ();
-
-    Sliders_Test () {
-        Window_Description description = {};
-        description.title              = "sliders";
-        description.width              = 400;
-        description.height             = 400;
-        description.background         = Drawing_Colour (255, 255, 255);
-        description.off_screen         = 1;
-        window                         = Window_Create (&description);
-    }
 
     ~Sliders_Test () override {
         Device::Watch (nullptr);
         Sliders::Exit (slider.get ());
-        Window_Destroy (window);
         EXPECT_EQ (Memory_Live (), 0);
     }
 
@@ -81,12 +72,7 @@ protected:
         return Sliders::Thumb (slider.get ());
     }
 
-    uint32_t Pixel (int x, int y) {
-        Drawing  drawing = Drawing_Begin (window);
-        uint32_t pixel   = Drawing_Pixel (drawing, x, y);
-        Drawing_End (drawing);
-        return pixel;
-    }
+    uint32_t Pixel (int x, int y) { return screen.Pixel (x, y); }
 };
 
 using SlidersInit = Sliders_Test;
@@ -807,6 +793,29 @@ TEST_F (SlidersDraw, StaysInsideItsRectangle) {
             EXPECT_NE (Pixel (50, y), 0xFFFFFFu);
             EXPECT_NE (Pixel (350, y), 0xFFFFFFu);
         }
+    }
+}
+
+// Its pane may be narrower than the slider is thick.
+TEST_F (SlidersDraw, ShorterThanThickStaysInsideToo) {
+    for (int length : {2, 6, 15}) {
+        for (uint32_t state : {SLIDER_HORIZONTAL, SLIDER_HORIZONTAL_DISABLED}) {
+            Make (50, 20, length, 16, state);
+            EXPECT_EQ (slider->position_count, 0);
+            Sliders::Draw (slider.get ());
+            EXPECT_NE (Pixel (50 + length, 28), 0xFFFFFFu);
+            EXPECT_EQ (Pixel (50 + length + 1, 28), 0xFFFFFFu);
+        }
+        EXPECT_EQ (Sliders::Part_At (slider.get (), 50, 28), SLIDER_LESS);
+        EXPECT_EQ (Sliders::Part_At (slider.get (), 50 + length, 28), SLIDER_MORE);
+    }
+}
+
+TEST_F (SlidersDraw, ThinOnesHaveNoArrowHeads) {
+    for (int thickness : {5, 6}) {
+        Make (50, 20, 300, thickness, SLIDER_HORIZONTAL_DISABLED);
+        Sliders::Draw (slider.get ());
+        EXPECT_EQ (screen.Count (Drawing_Colour (216, 216, 216)) > 0, thickness == 6);
     }
 }
 

@@ -18,7 +18,7 @@ static const char *const MODULE = "texts";
 
 static const int COLOUR       = 170; // Of each component, when the user chose none.
 static const int LEFT_MARGIN  = 2;   // From the field's edge to its first character.
-static const int FRAME        = 2;   // The outline and one ring.
+static const int FRAME        = 1;   // One ring: the characters begin close to it.
 static const int RUN_LIMIT    = 512; // Bytes drawn with one call: a line may have a million.
 static const int SMALLEST     = 30;  // A field narrower or lower than this has no slider.
 static const int DEFAULT_TAB  = 32;  // From one tab stop to the next, of the same.
@@ -45,7 +45,7 @@ static Area Inside (const Text_Widget *text) {
     const Widget *widget = &text->widget;
     Area          area   = {widget->x + FRAME, widget->y + FRAME, widget->x + widget->w + 1 - FRAME,
                             widget->y + widget->h + 1 - FRAME};
-    if (Has_Slider (text)) area.right = text->slider.widget.x - 1;
+    if (Has_Slider (text)) area.right = text->slider.widget.x - LEFT_MARGIN;
     return area;
 }
 
@@ -435,8 +435,8 @@ void Text::Draw (Text_Widget *text) {
     Widget_Check (widget, "Text::Draw");
     if (!Can_Draw (text)) return;
     Tools::Clear (widget);
-    Tools::Cadre (widget, widget->state, Tools::CADRE_SUNKEN, FRAME - 1, widget->x, widget->x + widget->w, widget->y,
-                  widget->y + widget->h);
+    Tools::Cadre (widget, widget->state | WIDGET_NO_OUTLINE, Tools::CADRE_SUNKEN, FRAME, widget->x,
+                  widget->x + widget->w, widget->y, widget->y + widget->h);
     Draw_Rows (text, 0);
     Slider_Follow (text);
     Slider_Draw (text);
@@ -534,8 +534,8 @@ static void Show_Written (Text_Widget *text, int first) {
     }
     if (Can_Draw (text) && Is_Due (text)) Draw_Written (text, first);
     else {
+        if (!text->stale) Window_Invalidate (text->widget.window);
         text->stale = 1;
-        Window_Invalidate (text->widget.window);
     }
 }
 

@@ -312,6 +312,12 @@ const Scene SCENES[] = {
     {"boxes", 392, 214, Scene_Boxes},
     {"buttons", 392, 146, Scene_Buttons},
     {"separators", 400, 120, Scene_Separators},
+    {"texts_help", 800, 152, Scene_Texts_Help},
+    {"texts_codes", 417, 168, Scene_Texts_Codes},
+    {"texts_scrolled", 753, 184, Scene_Texts_Scrolled},
+    {"texts_slider", 761, 184, Scene_Texts_Slider},
+    {"texts_typed", 761, 133, Scene_Texts_Typed},
+    {"texts_narrow", 546, 117, Scene_Texts_Narrow},
 };
 
 const int SCENE_COUNT = sizeof SCENES / sizeof SCENES[0];

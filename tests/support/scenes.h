@@ -47,3 +47,10 @@ void Scene_Slider_Sizes (Window window);
 void Scene_Boxes (Window window);
 void Scene_Buttons (Window window);
 void Scene_Separators (Window window);
+
+void Scene_Texts_Help (Window window);          // tests/support/scenes_texts.cpp
+void Scene_Texts_Codes (Window window);
+void Scene_Texts_Scrolled (Window window);
+void Scene_Texts_Slider (Window window);
+void Scene_Texts_Typed (Window window);
+void Scene_Texts_Narrow (Window window);

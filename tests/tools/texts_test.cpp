@@ -94,7 +94,7 @@ struct Field {
         Drawing_End (drawing);
         return count;
     }
-    int Inner_Right () { return text->slider.widget.x - 1; }
+    int Inner_Right () { return text->slider.widget.x - 2; }
     int Mouse (int state, int x, int y) {
         Device::Pointer_Set (x, y);
         return Texts::Select (text, state);
@@ -500,7 +500,7 @@ TEST (Texts, NothingIsDrawnBesideTheLinesArea) {
     EXPECT_GT (field.Count (red, w.x, w.y, field.Inner_Right (), w.y + w.h + 1), 100);
     EXPECT_EQ (field.Count (red, field.Inner_Right (), 0, 800, 200), 0);
     EXPECT_EQ (field.Count (red, 0, 0, w.x + 2, 200), 0);
-    EXPECT_EQ (field.Count (red, 0, 0, 800, w.y + 3), 0);
+    EXPECT_EQ (field.Count (red, 0, 0, 800, w.y + 1), 0);
     EXPECT_EQ (field.Count (red, 0, w.y + w.h - 2, 800, 200), 0);
 }
 
@@ -909,14 +909,15 @@ TEST (Texts, FrameIsSunkenAndGroundIsTheColour) {
     field.Ready ();
     const Widget &w      = field.text->widget;
     uint32_t      ground = Drawing_Colour (200, 210, 120);
-    EXPECT_EQ (field.Pixel (w.x, w.y), Drawing_Colour (0, 0, 0));
-    EXPECT_EQ (field.Pixel (w.x + w.w, w.y + w.h), Drawing_Colour (0, 0, 0));
-    EXPECT_EQ (field.Pixel (w.x + 1, w.y + 60), Drawing_Colour (120, 130, 40));
-    EXPECT_EQ (field.Pixel (w.x + 60, w.y + w.h - 1), Drawing_Colour (120, 130, 40));
-    EXPECT_EQ (field.Pixel (w.x + 60, w.y + 1), Drawing_Colour (255, 255, 200));
-    EXPECT_EQ (field.Pixel (w.x + w.w - 1, w.y + 60), Drawing_Colour (255, 255, 200));
-    EXPECT_EQ (field.Pixel (w.x + 2, w.y + 2), ground);
-    EXPECT_EQ (field.Pixel (w.x + 60, w.y + w.h - 2), ground);
+    uint32_t      dark   = Drawing_Colour (120, 130, 40);
+    uint32_t      light  = Drawing_Colour (255, 255, 200);
+    EXPECT_EQ (field.Pixel (w.x, w.y + 60), dark);
+    EXPECT_EQ (field.Pixel (w.x + 60, w.y + w.h), dark);
+    EXPECT_EQ (field.Pixel (w.x + 60, w.y), light);
+    EXPECT_EQ (field.Pixel (w.x + w.w, w.y + 60), light);
+    EXPECT_EQ (field.Pixel (w.x + 1, w.y + 1), ground);
+    EXPECT_EQ (field.Pixel (w.x + 60, w.y + w.h - 1), ground);
+    EXPECT_EQ (field.Pixel (w.x + w.w - 1, w.y + 60), ground);
     EXPECT_EQ (field.Pixel (w.x - 1, w.y + 60), field.Pixel (0, 0));
     EXPECT_EQ (field.Pixel (w.x + w.w + 1, w.y + 60), field.Pixel (0, 0));
 }

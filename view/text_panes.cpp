@@ -84,7 +84,7 @@ static int Draw_Description (const View::Pane *pane, const Row *row, int y) {
     } else {
         size_t length = strlen (text);
         if (length >= VIEW_DESCRIPTION)
-            return View::Limit_Passed ("Length of the description", static_cast<int> (length), VIEW_DESCRIPTION - 1,
+            return View::Limit_Passed ("length of the description", static_cast<int> (length), VIEW_DESCRIPTION - 1,
                                        row);
         Copy_Plain (plain, text);
     }

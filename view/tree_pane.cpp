@@ -133,7 +133,7 @@ static int Connectors (const View::Pane *pane) {
     for (int i = 0; i < Rows.count && Rows.rows[i].line < pane->end; i++) {
         const Row *row = &Rows.rows[i];
         if (row->line < 0 || row->level < 1) continue;
-        if (row->level > VIEW_LEVELS) return View::Limit_Passed ("Nesting level", row->level, VIEW_LEVELS, row);
+        if (row->level > VIEW_LEVELS) return View::Limit_Passed ("nesting level", row->level, VIEW_LEVELS, row);
         ended[row->level - 1] = (row->kind & ROW_LAST) != 0;
         if (row->line >= pane->first - 1) Draw_Connectors (pane, row, ended);
     }

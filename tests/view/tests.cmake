@@ -1,1 +1,5 @@
-tagwright_test (view result_view_test.cpp)
+set (view_tests labels_test.cpp mouse_test.cpp result_view_test.cpp shown.cpp text_panes_test.cpp tree_pane_test.cpp)
+if (NOT WIN32)
+    list (APPEND view_tests pictures_test.cpp)
+endif ()
+tagwright_test (view ${view_tests})

@@ -1,0 +1,55 @@
+// What the view looks like, compared with pictures that somebody has looked at.
+#include "tests/support/pictures.h"
+
+#include "tests/view/shown.h"
+
+TEST (ViewPictures, NoFile) {
+    Shown shown (1500, 400);
+    shown.Place (500, 700);
+    EXPECT_TRUE (Picture_Matches (shown.window, "view_no_file"));
+}
+
+TEST (ViewPictures, Folded) {
+    Shown shown (1400, 520);
+    Example_Build (&shown);
+    EXPECT_TRUE (Picture_Matches (shown.window, "view_folded"));
+}
+
+TEST (ViewPictures, UnfoldedAndSelected) {
+    Shown shown (1400, 640);
+    Example_Build (&shown);
+    shown.Unfold_All ();
+    Rows.rows[16].kind = ROW_MARK;
+    Rows_Select (9);
+    View::Redraw_All ();
+    EXPECT_TRUE (Picture_Matches (shown.window, "view_unfolded"));
+}
+
+TEST (ViewPictures, Scrolled) {
+    Shown shown (1000, 420);
+    shown.Place (420, 620);
+    Example_Build (&shown);
+    shown.Unfold_All ();
+    Rows_Select (4);
+    Result.vertical.value           = 63;
+    Result.tree_slider.value        = 40;
+    Result.description_slider.value = 20;
+    Result.value_slider.value       = 250;
+    View::ResetView (shown.window);
+    EXPECT_TRUE (Picture_Matches (shown.window, "view_scrolled"));
+}
+
+TEST (ViewPictures, NarrowWithOnePaneHidden) {
+    Shown shown (640, 400);
+    shown.Place (300, 318);
+    Example_Build (&shown);
+    EXPECT_TRUE (Picture_Matches (shown.window, "view_narrow"));
+}
+
+TEST (ViewPictures, Wide) {
+    Shown shown (2000, 700);
+    shown.Place (540, 860);
+    Example_Build (&shown);
+    shown.Unfold_All ();
+    EXPECT_TRUE (Picture_Matches (shown.window, "view_wide"));
+}

@@ -36,10 +36,10 @@ static const char *Folder (void) {
     return folder;
 }
 
-// The caller owns it; none after the memory message. A name is of any length, and only the system knows its limit.
+// The caller owns it; none without memory. A name is of any length, and only the system knows its limit.
 static char *Full_Name (const char *name) {
     size_t size = strlen (Folder ()) + strlen (name) + 1;
-    char  *full = static_cast<char *> (Memory_Text (nullptr, HERE ("full", 1, size), size));
+    char  *full = static_cast<char *> (Memory_Try (size));
     if (full) snprintf (full, size, "%s%s", Folder (), name);
     return full;
 }
@@ -56,16 +56,13 @@ static void Pixels_Free (Icon *icon) {
 }
 
 // Room for both copies. On failure the entry has none of them.
-static int Pixels_New (Icon *icon, int width, int height) {
-    icon->width  = static_cast<uint16_t> (width);
-    icon->height = static_cast<uint16_t> (height);
-    int    row   = width * ICON_PIXEL_BYTES;
-    size_t bytes = Pixel_Total (icon) * ICON_PIXEL_BYTES;
-    icon->pixels = static_cast<uint8_t *> (Memory_Malloc (nullptr, HERE ("icon->pixels", height, row), bytes));
-    if (!icon->pixels) return 0;
-    icon->pixels_rgba =
-        static_cast<uint8_t *> (Memory_Malloc (nullptr, HERE ("icon->pixels_rgba", height, row), bytes));
-    if (icon->pixels_rgba) return 1;
+static int Pixels_New (Icon *icon, uint16_t width, uint16_t height) {
+    icon->width       = width;
+    icon->height      = height;
+    size_t bytes      = Pixel_Total (icon) * ICON_PIXEL_BYTES;
+    icon->pixels      = static_cast<uint8_t *> (Memory_Try (bytes));
+    icon->pixels_rgba = static_cast<uint8_t *> (Memory_Try (bytes));
+    if (icon->pixels && icon->pixels_rgba) return 1;
     Pixels_Free (icon);
     return 0;
 }
@@ -204,15 +201,22 @@ static Icon *Find (const char *name) {
     return nullptr;
 }
 
+// Without memory for its name the entry stays unused.
 static void Load (Icon *icon, const char *name) {
-    icon->name = Memory_Strdup (nullptr, HERE ("icon->name", 1, strlen (name) + 1), name);
-    if (!icon->name) return; // The entry stays unused.
-    if (strstr (name, ".tga")) Icon_Read_TGA (icon, name);
+    int    is_targa = strstr (name, ".tga") != nullptr;
+    size_t size     = strlen (name) + 1;
+    icon->name      = static_cast<char *> (Memory_Try (size));
+    if (!icon->name) {
+        Memory_Failure (is_targa ? "Icon_Read_TGA" : "Icon_Read_RGB", name);
+        return;
+    }
+    memcpy (icon->name, name, size);
+    if (is_targa) Icon_Read_TGA (icon, name);
     else Icon_Read_RGB (icon, name);
 }
 
 const Icon *Icon_Read (const Widget *widget, const char *name) {
-    Icon *icon = Find (name);
+    Icon *icon = name ? Find (name) : nullptr;
     if (!icon) return nullptr;
     if (!icon->name) {
         int paused = widget && Device::Is_Open ();

@@ -359,11 +359,11 @@ static const char *Mnemonics_Removed (const char *text, char buffer[LABEL_LIMIT 
 
 static int Half (int value) { return (value - (value < 0)) / 2; }
 
-// To the left, to the right, or centred between left and right.
+// To the left, to the right, or centred between left and right. What is too wide to be centred shows its beginning.
 static int Aligned_X (uint32_t flags, int left, int right, int width) {
     if (flags & WIDGET_ALIGN_LEFT) return left;
     if (flags & WIDGET_ALIGN_RIGHT) return right - width;
-    return left + Half (right - left - width);
+    return left + std::max (0, Half (right - left - width));
 }
 
 // The lowest row of a block of this height; the row at bottom itself is not covered.

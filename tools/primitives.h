@@ -36,17 +36,19 @@ void Cadre_Outline (Widget *widget, int x1, int x2, int y1, int y2);
 
 enum Cadre_Direction { CADRE_RAISED = 0, CADRE_SUNKEN = 1 };
 
-// A black outline, unless state has WIDGET_NO_OUTLINE, and inside it depth rings of light and shade.
+// A black outline, unless state has WIDGET_NO_OUTLINE, and inside it depth rings of light and shade: lines at x1, x2, y1
+// and y2, and so on inwards.
 void Cadre (Widget *widget, uint32_t state, int direction, int depth, int x1, int x2, int y1, int y2);
 
 enum Arrow_Direction { ARROW_LEFT, ARROW_RIGHT, ARROW_UP, ARROW_DOWN };
 
-// An arrow head in the middle of the rectangle. An inactive widget's is drawn in light grey, a pressed one sunken.
+// An arrow head in the middle of the rectangle and its frame, about a third of its short side. An inactive widget's is drawn in light grey, a pressed one sunken.
 void Arrow (Widget *widget, int direction, int pressed, int x1, int x2, int y1, int y2);
 
 // --- texts -----------------------------------------------------------------
 
-// A text in the rectangle: one line, or with WIDGET_VERTICAL one character a line; alignment and colour by flags.
+// A text in the rectangle: one line with its tabs, or with WIDGET_VERTICAL one character a line; alignment and colour by
+// flags. Cut at the left and right inset and where the rectangle ends. Texts up to 128 characters lose every "&".
 void Text (Widget *widget, Drawing_Font font, const char *text, uint32_t flags, int x, int y, int w, int h, int margin);
 
 static const int DRAW_TEXT_LIMIT = 255;     // Characters that DrawText draws at most.

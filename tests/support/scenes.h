@@ -9,7 +9,7 @@
 
 // Draws on a window of this client size, which shows SCENE_BACKGROUND.
 struct Scene {
-    const char *name;           // Of its golden picture's file: tests/golden/tools/NAME.png.
+    const char *name;           // Of its golden picture: tests/golden/sdl/tools_NAME.png.
     int         width, height;
     void      (*draw) (Window window);
 };

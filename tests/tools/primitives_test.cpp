@@ -611,12 +611,12 @@ TEST_F (PrimitiveText, IsCutAtTheEndsOfItsLine) {
     EXPECT_EQ (screen.Count (WHITE), 400 * 300 - 284 * 200 + screen.Count (WHITE, 28, 31, 284, 200));
 }
 
-TEST_F (PrimitiveText, TooWideKeepsItsAlignment) {
+TEST_F (PrimitiveText, TooWideShowsItsBeginningUnlessAlignedRight) {
     const std::string text (200, 'H');
     const int         width = Width (text);
     EXPECT_EQ (28, Draw_One (text, WIDGET_ALIGN_LEFT).x);
     EXPECT_EQ (312 - width, Draw_One (text, WIDGET_ALIGN_RIGHT).x);
-    EXPECT_EQ (28 - (width - 284 + 1) / 2, Draw_One (text, 0).x);
+    EXPECT_EQ (28, Draw_One (text, 0).x);
 }
 
 TEST_F (PrimitiveText, StaysInTheWidgetsClipToo) {
@@ -688,6 +688,13 @@ TEST_F (PrimitiveText, VerticalIsAlignedUpAndDown) {
     EXPECT_EQ (30 + 4 + 1, Draw ("Ab", WIDGET_VERTICAL | WIDGET_ALIGN_BOTTOM | WIDGET_ALIGN_TOP).at (1).y);
     EXPECT_EQ (230 - 4, Draw ("Ab", WIDGET_VERTICAL | WIDGET_ALIGN_TOP).at (0).y + metrics.height - 1);
     EXPECT_EQ (34 + (192 - needed) / 2 + 1, Draw ("Ab", WIDGET_VERTICAL).at (1).y);
+}
+
+TEST_F (PrimitiveText, VerticalTooHighShowsItsBeginningUnlessAlignedDown) {
+    const std::string text (100, 'x');
+    EXPECT_EQ (226, Draw (text, WIDGET_VERTICAL).at (0).y + metrics.height - 1);
+    EXPECT_EQ (226, Draw (text, WIDGET_VERTICAL | WIDGET_ALIGN_TOP).at (0).y + metrics.height - 1);
+    EXPECT_EQ (35, Draw (text, WIDGET_VERTICAL | WIDGET_ALIGN_BOTTOM).at (99).y);
 }
 
 TEST_F (PrimitiveText, VerticalIsCentredInItsColumn) {

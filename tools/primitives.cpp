@@ -397,11 +397,17 @@ static void Column (const Text_Place &place, int *left, int *right) {
     *right          = *left + width;
 }
 
+// The lowest row of a column of this height. What is too high to be centred shows its beginning.
+static int Column_Y (const Text_Place &place, int height) {
+    const int      bottom = place.y + place.margin, top = place.y + place.h - place.margin;
+    const uint32_t flags = place.flags | (height > top - bottom ? WIDGET_ALIGN_TOP : 0u);
+    return Aligned_Y (flags, bottom, top, height);
+}
+
 static void Text_Downwards (const Text_Place &place, const char *text) {
     const int count = Character_Count (text, LABEL_LIMIT), needed = count * place.height;
-    int left, right, y = Aligned_Y (place.flags, place.y + place.margin, place.y + place.h - place.margin, needed);
+    int       left, right, y = Column_Y (place, needed) + needed;
     Column (place, &left, &right);
-    y += needed;
     for (int i = 0; i < count; i++) {
         const int length = Character_Length (text);
         const int x      = Aligned_X (0, left, right, Device::Run_Width (place.font, text, length));

@@ -42,7 +42,8 @@ void Cadre (Widget *widget, uint32_t state, int direction, int depth, int x1, in
 
 enum Arrow_Direction { ARROW_LEFT, ARROW_RIGHT, ARROW_UP, ARROW_DOWN };
 
-// An arrow head in the middle of the rectangle and its frame, about a third of its short side. An inactive widget's is drawn in light grey, a pressed one sunken.
+// An arrow head in the middle of the rectangle and its frame, about a third of its short side. An inactive widget's is
+// drawn in light grey, a pressed one sunken.
 void Arrow (Widget *widget, int direction, int pressed, int x1, int x2, int y1, int y2);
 
 // --- texts -----------------------------------------------------------------

@@ -166,7 +166,7 @@ static int On_Wheel (Window_State *state, WPARAM word, LPARAM parameter) {
 // --- dropped files ---------------------------------------------------------
 
 // The path of a dropped file as the program's own file operations take it, in the code page of the process. The system's
-// ANSI call counts in characters where bytes are meant, so the path is taken in UTF-16. None without memory.
+// ANSI call may count in characters where bytes are meant, so the path is taken in UTF-16. None without memory.
 static char *Dropped_Path (HDROP drop, UINT index) {
     UINT     length = DragQueryFileW (drop, index, nullptr, 0);
     wchar_t *wide   = static_cast<wchar_t *> (calloc (length + 1, sizeof *wide));
@@ -180,14 +180,15 @@ static char *Dropped_Path (HDROP drop, UINT index) {
     return path;
 }
 
-// Without memory the event has the files up to that point.
+// Without memory the event has the files up to that point. A list without files may be told as one file without a name.
 static void On_Drop (Window_State *state, HDROP drop) {
     UINT         count = DragQueryFileW (drop, 0xFFFFFFFF, nullptr, 0);
     char       **files = static_cast<char **> (calloc (count + 1, sizeof *files));
     Window_Event event = Event_Of (WINDOW_DROP);
 
-    while (files && (UINT)event.file_count < count) {
-        files[event.file_count] = Dropped_Path (drop, (UINT)event.file_count);
+    for (UINT i = 0; files && i < count; i++) {
+        if (!DragQueryFileW (drop, i, nullptr, 0)) continue;
+        files[event.file_count] = Dropped_Path (drop, i);
         if (!files[event.file_count]) break;
         event.file_count++;
     }

@@ -45,6 +45,7 @@ struct Window_Record {
 
     Drawing_Record   drawing;       // Its window is none while no drawing is open.
     int              invalid;       // A paint event follows when the queue is empty.
+    int              outdated;      // The size on the screen is another one.
     int              due;           // It is this window's turn to be painted.
     int              busy;          // Events being delivered; the record lives until they are.
     int              destroying;    // Window_Destroy has begun,
@@ -67,5 +68,10 @@ int UTF8_Character (const char *at, const char *end, uint32_t *character);
 
 // Releases a window that was destroyed when neither an event nor a drawing needs it any more.
 void Window_Release (Window window);
+
+Window Window_On_Screen (void);     // Any that is on the screen, or none.
+
+// Shows a window, and delivers events to it only, until done is set or the window is closed; then destroys it.
+void Window_Alone (Window window, const int *done);
 
 int Box_Show (Window owner, const char *text, const char *caption, Window_Icon icon, int question);    // Display_Box

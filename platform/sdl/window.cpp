@@ -13,6 +13,7 @@
 
 static Window windows;   // All that have not been destroyed.
 static Window captured;  // Gets all mouse events. Borrowed.
+static Window alone;     // Gets all events there are: a box. Borrowed.
 static int    buttons;   // Window_Button bits that are down.
 static int    modifiers; // Window_Modifier bits.
 static int    quitting;  // Window_Quit was called, with this code.
@@ -21,7 +22,7 @@ static char   error_text[512];
 
 // --- list of windows -------------------------------------------------------
 
-static Window On_Screen_First (void) {
+Window Window_On_Screen (void) {
     for (Window window = windows; window; window = window->next)
         if (window->shown) return window;
     return nullptr;
@@ -31,6 +32,12 @@ static Window Window_Of (Uint32 id) {
     for (Window window = windows; window; window = window->next)
         if (window->shown && SDL_GetWindowID (window->shown) == id) return window;
     return nullptr;
+}
+
+// The window that input with this number belongs to; none when another one is alone.
+static Window Input_Window (Uint32 id) {
+    Window window = Window_Of (id);
+    return alone && window != alone ? nullptr : window;
 }
 
 static void List_Remove (Window window) {
@@ -320,7 +327,7 @@ static int Button_Of (Uint8 button) {
     }
 }
 
-static Window Mouse_Window (Uint32 id) { return captured && captured->shown ? captured : Window_Of (id); }
+static Window Mouse_Window (Uint32 id) { return captured && captured->shown ? captured : Input_Window (id); }
 
 static Window_Event Mouse_Event (Window window, Window_Event_Kind kind, int x, int y) {
     Window_Event event = Event_Of (kind);
@@ -429,7 +436,7 @@ static void Deliver_Character (Window window, uint32_t character) {
 }
 
 static void On_Key (const SDL_KeyboardEvent *from) {
-    Window window = Window_Of (from->windowID);
+    Window window = Input_Window (from->windowID);
     if (!window) return;
     Key          key   = Key_Of (&from->keysym);
     Window_Event event = Event_Of (modifiers & WINDOW_ALT ? WINDOW_SYSTEM_KEY_DOWN : WINDOW_KEY_DOWN);
@@ -442,7 +449,7 @@ static void On_Key (const SDL_KeyboardEvent *from) {
 
 // With Control or the left Alt key a letter is a command; the right one helps to make characters.
 static void On_Text (const SDL_TextInputEvent *from) {
-    Window window = Window_Of (from->windowID);
+    Window window = Input_Window (from->windowID);
     if (!window || SDL_GetModState () & (KMOD_LALT | KMOD_LCTRL)) return;
     const char *end = from->text + strnlen (from->text, sizeof from->text);
     uint32_t    character;
@@ -476,7 +483,7 @@ static void Drop_Add (Drop *drop, char *file) {
 static void Drop_Complete (Window window) {
     Drop drop    = window->drop;
     window->drop = {};
-    if (window->accept_drops && !drop.failed && (drop.count || !drop.foreign)) {
+    if (window->accept_drops && !alone && !drop.failed && (drop.count || !drop.foreign)) {
         Window_Event event = Event_Of (WINDOW_DROP);
         event.file_count   = drop.count;
         event.files        = drop.files;
@@ -487,7 +494,7 @@ static void Drop_Complete (Window window) {
 
 static void On_Drop (const SDL_DropEvent *from) {
     Window window = Window_Of (from->windowID);
-    if (!window) window = On_Screen_First (); // Some systems name none.
+    if (!window) window = Window_On_Screen (); // Some systems name none.
     if (!window || from->type == SDL_DROPTEXT) {
         if (window) window->drop.foreign = 1;
         SDL_free (from->file);
@@ -502,6 +509,7 @@ static void On_Drop (const SDL_DropEvent *from) {
 
 static void On_Size (Window window) {
     int width, height;
+    window->outdated = 0;
     SDL_GetWindowSize (window->shown, &width, &height);
     Resized (window, width, height);
 }
@@ -515,24 +523,39 @@ static void On_Focus_Lost (Window window) {
 static void On_Window (const SDL_WindowEvent *from) {
     Window window = Window_Of (from->windowID);
     if (!window) return;
+    int aside = alone && window != alone; // It stays as it is on the screen until it may go on.
     switch (from->event) {
     case SDL_WINDOWEVENT_SHOWN:
     case SDL_WINDOWEVENT_EXPOSED:
         Touch_All (window);
         window->invalid = 1;
         break;
-    case SDL_WINDOWEVENT_SIZE_CHANGED: On_Size (window); break;
+    case SDL_WINDOWEVENT_SIZE_CHANGED:
+        window->outdated = 1;
+        if (!aside) On_Size (window);
+        break;
     case SDL_WINDOWEVENT_ENTER: SDL_SetCursor (Cursor_Of (window->cursor)); break;
     case SDL_WINDOWEVENT_LEAVE: window->pointer_known = 0; break;
-    case SDL_WINDOWEVENT_FOCUS_LOST: On_Focus_Lost (window); break;
-    case SDL_WINDOWEVENT_CLOSE: Window_Destroy (window); break;
+    case SDL_WINDOWEVENT_FOCUS_LOST:
+        if (!aside) On_Focus_Lost (window);
+        break;
+    case SDL_WINDOWEVENT_CLOSE:
+        if (!aside) Window_Destroy (window);
+        break;
     default: break;
     }
 }
 
-// The session ends: as if each window had been closed.
+// The session ends: as if each window had been closed, a box first.
 static void On_Session_End (void) {
-    while (On_Screen_First ()) Window_Destroy (On_Screen_First ());
+    if (alone) {
+        SDL_Event again = {};
+        again.type      = SDL_QUIT;
+        Window_Destroy (alone);
+        SDL_PushEvent (&again);
+        return;
+    }
+    while (Window_On_Screen ()) Window_Destroy (Window_On_Screen ());
 }
 
 // --- the loop --------------------------------------------------------------
@@ -558,7 +581,14 @@ static void Route (SDL_Event *event) {
 
 static Window Invalid_First (void) {
     for (Window window = windows; window; window = window->next)
-        if (window->invalid && window->shown) return window;
+        if (window->invalid && window->shown && (!alone || window == alone)) return window;
+    return nullptr;
+}
+
+// A window that got another size while a box was there.
+static Window Outdated_First (void) {
+    for (Window window = windows; window; window = window->next)
+        if (window->outdated && window->shown && !alone) return window;
     return nullptr;
 }
 
@@ -582,9 +612,23 @@ static void Present_All (void) {
 static void Turn (void) {
     SDL_Event event;
     if (SDL_PollEvent (&event)) return Route (&event);
+    if (Window window = Outdated_First ()) return On_Size (window);
     if (Window window = Invalid_First ()) return Paint (window);
     Present_All ();
     if (SDL_WaitEvent (&event)) Route (&event);
+}
+
+// The procedure that asks for a box is in the midst of something, so no other window's procedure is called meanwhile.
+void Window_Alone (Window window, const int *done) {
+    Window_Capture_End ();
+    Window_Hold (window);
+    alone = window;
+    Window_Show (window);
+    while (!*done && !window->destroyed) Turn ();
+    alone   = nullptr;
+    buttons = 0;
+    Window_Destroy (window);
+    Window_Let_Go (window);
 }
 
 // Nothing else happens to windows that are never seen, so each of them is painted once at most.
@@ -598,7 +642,7 @@ static void Paint_Off_Screen (void) {
 
 int Window_Loop (void) {
     Paint_Off_Screen ();
-    while (!quitting && On_Screen_First ()) Turn ();
+    while (!quitting && Window_On_Screen ()) Turn ();
     int code = quitting ? quit_code : 0;
     quitting = 0;
     return code;
@@ -614,35 +658,4 @@ void Window_Post_Thread_Message (Window window) {
     SDL_Event event = {};
     event.type      = SDL_USEREVENT;
     SDL_PushEvent (&event);
-}
-
-// --- boxes -----------------------------------------------------------------
-
-static Uint32 Box_Flags (Window_Icon icon) {
-    switch (icon) {
-    case WINDOW_ICON_ERROR: return SDL_MESSAGEBOX_ERROR;
-    case WINDOW_ICON_WARNING: return SDL_MESSAGEBOX_WARNING;
-    default: return SDL_MESSAGEBOX_INFORMATION;
-    }
-}
-
-int Box_Show (Window owner, const char *text, const char *caption, Window_Icon icon, int question) {
-    static const SDL_MessageBoxButtonData OK[] = {
-        {SDL_MESSAGEBOX_BUTTON_RETURNKEY_DEFAULT | SDL_MESSAGEBOX_BUTTON_ESCAPEKEY_DEFAULT, 1, "OK"}};
-    static const SDL_MessageBoxButtonData YES_NO[] = {{SDL_MESSAGEBOX_BUTTON_RETURNKEY_DEFAULT, 1, "Yes"},
-                                                      {SDL_MESSAGEBOX_BUTTON_ESCAPEKEY_DEFAULT, 0, "No"}};
-
-    Window parent = owner && owner->shown ? owner : On_Screen_First ();
-    if (!parent) return -1;
-    Window_Capture_End ();
-    SDL_MessageBoxData box = {};
-    box.flags              = Box_Flags (icon);
-    box.window             = parent->shown;
-    box.title              = caption ? caption : "";
-    box.message            = text ? text : "";
-    box.numbuttons         = question ? 2 : 1;
-    box.buttons            = question ? YES_NO : OK;
-    int answer             = 0;
-    if (SDL_ShowMessageBox (&box, &answer)) return -1;
-    return answer > 0;
 }

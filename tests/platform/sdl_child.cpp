@@ -83,8 +83,13 @@ static void Paint (Window window) {
 static void Character (Window window, uint32_t character) {
     printf ("character %u\n", character);
     if (character == '?' && kind == "ask")
-        printf ("answer %d\n", Window_Question_Box (window, "Go on?", "Tagwright test"));
-    if (character == '!' && kind == "ask") Window_Message_Box (window, "Text", "Tagwright test", WINDOW_ICON_ERROR);
+        printf ("answer %d\n", Window_Question_Box (window, "Go on?\nOr not?", "Box of the test"));
+    if (character == '!' && kind == "ask") {
+        std::string text = "A line\n\nand one that is too long: ";
+        for (int i = 0; i < 40; i++) text += "word " + std::to_string (i) + ", ";
+        Window_Message_Box (window, text.c_str (), "Box of the test", WINDOW_ICON_ERROR);
+        printf ("shown\n");
+    }
     if (character == 'c') Window_Cursor_Set (window, static_cast<Window_Cursor> (++cursor % 5));
     if (character == 'r') Window_Client_Resize (window, WIDTH - 50, HEIGHT - 50);
     if (character == 'p') {

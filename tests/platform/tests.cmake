@@ -19,4 +19,17 @@ else ()
     target_compile_definitions (platform_test PRIVATE
         SDL_CHILD="$<TARGET_FILE:sdl_child>" SDL_MODULE="$<TARGET_FILE:tagwright_display>")
     add_dependencies (platform_test sdl_child tagwright)
+
+    # Windows on a screen, which is one of the test's own.
+    pkg_check_modules (X11 REQUIRED IMPORTED_TARGET x11)
+    add_executable (x11_client platform/x11_client.cpp)
+    target_link_libraries (x11_client PRIVATE tagwright_options PkgConfig::X11)
+    set_target_properties (x11_client PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
+    add_test (NAME display COMMAND
+        xvfb-run -a -s "-screen 0 1280x1024x24 -nolisten tcp" ${CMAKE_CURRENT_SOURCE_DIR}/scripts/display-test.sh
+        ${PROJECT_BINARY_DIR}/tests)
+    set_tests_properties (display PROPERTIES LABELS display TIMEOUT 300)
+    if (TAGWRIGHT_SANITIZE)
+        set_tests_properties (display PROPERTIES ENVIRONMENT "LSAN_OPTIONS=${leak_options}")
+    endif ()
 endif ()

@@ -164,6 +164,7 @@ void Rows_Free () {
 static void Index_Grow () {
     if (Rows.line_rows && Rows.count <= Rows.line_capacity) return;
     Memory_Free (Rows.line_rows);
+    Rows.line_rows     = nullptr; // The rows may be drawn while a message is shown.
     Rows.line_rows     = static_cast<int *> (Memory_Malloc (nullptr, HERE ("line_rows", Rows.count, sizeof (int)),
                                                             static_cast<size_t> (Rows.count) * sizeof (int)));
     Rows.line_capacity = Rows.line_rows ? Rows.count : 0;

@@ -29,51 +29,31 @@ Drop_Slots Drops;
 
 // --- widgets ---------------------------------------------------------------
 
-// Blue, black, green and yellow rows stand on it. Green and yellow need opposite backgrounds; on this grey both contrast
-// by 1.8 to 1, and black by 10.8, blue by 4.4.
-static const int16_t PANE_GREY = 186;
-static const int16_t EDGE_GREY = 170;
+static const int16_t EDGE_COLOUR[4] = {170, 170, 170, 255};
 
-static const int   TEXT_POINTS = 9;                 // So that the whole help is seen.
-static const int   WHEEL_LINES = 3;                 // That a notch scrolls the text list by,
-static const float STEP        = 3.0f * VIEW_PITCH; // and a slider, whose arrows do the same.
+static const int TEXT_POINTS = 9; // So that the whole help is seen.
+static const int WHEEL_LINES = 3; // That a notch scrolls the text list by.
 
-static void Widget_Prepare (Widget *widget, const char *name, int16_t grey, uint32_t state) {
+static void Widget_Prepare (Widget *widget, const char *name, const int16_t colour[4], uint32_t state) {
     widget->name  = name;
     widget->state = state;
-    for (int i = 0; i < 3; i++) widget->colour[i] = grey;
-    widget->colour[3] = 255;
-}
-
-static void Slider_Prepare (Slider *slider, const char *name, uint32_t state) {
-    Widget_Prepare (&slider->widget, name, EDGE_GREY, state);
-    slider->step = STEP;
+    std::copy (colour, colour + 4, widget->colour);
 }
 
 static void Widgets_Prepare (void) {
-    Widget_Prepare (&Result.frame.widget, "Main window", EDGE_GREY, WIDGET_FIXED);
-    Widget_Prepare (&Result.tree.widget, "Tree", PANE_GREY, WIDGET_FIXED);
-    Widget_Prepare (&Result.description.widget, "Description", PANE_GREY, WIDGET_FIXED);
-    Widget_Prepare (&Result.value.widget, "Value", PANE_GREY, WIDGET_FIXED);
-    Widget_Prepare (&Result.strip_separator.widget, "Strip separator", EDGE_GREY, 0);
-    Widget_Prepare (&Result.left_separator.widget, "Left separator", EDGE_GREY, 0);
-    Widget_Prepare (&Result.right_separator.widget, "Right separator", EDGE_GREY, 0);
-    Widget_Prepare (&Result.text.widget, "Text list", EDGE_GREY, 0);
-    Slider_Prepare (&Result.vertical, "Vertical slider", SLIDER_VERTICAL);
-    Slider_Prepare (&Result.tree_slider, "Tree slider", SLIDER_HORIZONTAL);
-    Slider_Prepare (&Result.description_slider, "Description slider", SLIDER_HORIZONTAL);
-    Slider_Prepare (&Result.value_slider, "Value slider", SLIDER_HORIZONTAL);
+    Widget_Prepare (&Result.frame.widget, "Main window", EDGE_COLOUR, WIDGET_FIXED);
+    Widget_Prepare (&Result.tree.widget, "Tree", VIEW_PANE_COLOUR, WIDGET_FIXED);
+    Widget_Prepare (&Result.description.widget, "Description", VIEW_PANE_COLOUR, WIDGET_FIXED);
+    Widget_Prepare (&Result.value.widget, "Value", VIEW_PANE_COLOUR, WIDGET_FIXED);
+    Widget_Prepare (&Result.vertical.widget, "Vertical slider", EDGE_COLOUR, SLIDER_VERTICAL);
+    Widget_Prepare (&Result.tree_slider.widget, "Tree slider", EDGE_COLOUR, SLIDER_HORIZONTAL);
+    Widget_Prepare (&Result.description_slider.widget, "Description slider", EDGE_COLOUR, SLIDER_HORIZONTAL);
+    Widget_Prepare (&Result.value_slider.widget, "Value slider", EDGE_COLOUR, SLIDER_HORIZONTAL);
+    Widget_Prepare (&Result.strip_separator.widget, "Strip separator", EDGE_COLOUR, 0);
+    Widget_Prepare (&Result.left_separator.widget, "Left separator", EDGE_COLOUR, 0);
+    Widget_Prepare (&Result.right_separator.widget, "Right separator", EDGE_COLOUR, 0);
+    Widget_Prepare (&Result.text.widget, "Text list", EDGE_COLOUR, 0);
     Result.text.size = TEXT_POINTS;
-}
-
-static void Widgets_Exit (void) {
-    Box_Widget    *boxes[]   = {&Result.frame, &Result.tree, &Result.description, &Result.value};
-    Button_Widget *buttons[] = {&Result.strip_separator, &Result.left_separator, &Result.right_separator};
-    Slider *sliders[] = {&Result.vertical, &Result.tree_slider, &Result.description_slider, &Result.value_slider};
-    for (Box_Widget *box : boxes) Boxs::Exit (box);
-    for (Button_Widget *button : buttons) Buttons::Exit (button);
-    for (Slider *slider : sliders) Sliders::Exit (slider);
-    Texts::Exit (&Result.text);
 }
 
 // --- layout ----------------------------------------------------------------
@@ -130,9 +110,8 @@ static void Slider_Place_Right (Window window, Slider *slider, const Widget &pan
 }
 
 static void Sliders_Place (Window window) {
-    static const int STRIP = WIDGET_SLIDER_THICKNESS + 2 * WIDGET_MARGIN;
-    Slider_Place_Right (window, &Result.vertical, Result.tree.widget, STRIP);
-    Slider_Place_Bottom (window, &Result.tree_slider, Result.tree.widget, STRIP);
+    Slider_Place_Right (window, &Result.vertical, Result.tree.widget, VIEW_STRIP);
+    Slider_Place_Bottom (window, &Result.tree_slider, Result.tree.widget, VIEW_STRIP);
     Slider_Place_Bottom (window, &Result.description_slider, Result.description.widget, WIDGET_MARGIN);
     Slider_Place_Bottom (window, &Result.value_slider, Result.value.widget, WIDGET_MARGIN);
 }
@@ -146,11 +125,6 @@ static void Start_Values_Set (void) {
 // A separator of a window that has become too small for it is drawn, and can be taken, at the last place that it could be
 // dragged to. Its own place isn't forgotten.
 static int Kept_Inside (int place, int highest) { return std::max (LAYOUT_SEPARATOR, std::min (place, highest)); }
-
-static void Scroll_Ranges_Set (void) {
-    View::SetScrollRanges (&Result.tree, &Result.description, &Result.value, &Result.vertical, &Result.tree_slider,
-                           &Result.description_slider, &Result.value_slider);
-}
 
 static void Panes_Place (Window window, int width, int top) {
     static const int S     = LAYOUT_SEPARATOR;
@@ -176,17 +150,20 @@ void Window_Layout (Window window, int width, int height) {
     Widget_Place (&Result.text.widget, {0, std::max (0, top + LAYOUT_SEPARATOR), width - 1, height - 1});
     Texts::Init (&Result.text, window);
     Sliders_Place (window);
-    Scroll_Ranges_Set ();
+    View::SetScrollRanges (&Result.tree, &Result.description, &Result.value, &Result.vertical, &Result.tree_slider,
+                           &Result.description_slider, &Result.value_slider);
 }
 
 // --- text list -------------------------------------------------------------
 
-// A line that is written while something is drawn shows with the next one.
+// A line that can't be drawn yet (something else is being drawn, or lines come faster than they can be read) shows with a
+// later one, or at the next paint event.
 void Main_Window_List (Window, const char *text, int over) {
     if (!shown) return;
     if (over) Text::OverWrite (&Result.text, text);
     else Text::Write (&Result.text, text);
-    if (!Device::Is_Open ()) Window_Update (shown);
+    if (Result.text.stale || Device::Is_Open ()) Window_Invalidate (shown);
+    else Window_Update (shown);
 }
 
 // clang-format off
@@ -335,19 +312,15 @@ static void Main_Window_On_Size (Window window, const Window_Event *event) {
 
 static void Main_Window_On_Destroy (Window window) {
     View::RestoreCursor ();
-    if (window == shown) shown = nullptr;
+    if (window != shown) return; // Closed behind the loop's back: it has ended.
+    shown = nullptr;
     Window_Quit (0);
 }
 
 // Everything, since the system doesn't say what was lost.
-static void Main_Window_On_Paint (void) {
+static void Main_Window_On_Paint (Window window) {
     Tools::Clear (&Result.frame.widget);
-    for (Box_Widget *box : {&Result.tree, &Result.description, &Result.value}) Box::Draw (box);
-    for (Button_Widget *button : {&Result.left_separator, &Result.right_separator, &Result.strip_separator})
-        Button::Draw (button);
-    Text::Draw (&Result.text);
-    Scroll_Ranges_Set ();
-    View::Redraw_All ();
+    View::Draw_All (window);
 }
 
 static int Main_Window_On_Key (Window window, const Window_Event *event) {
@@ -370,7 +343,7 @@ int Main_Window_Procedure (Window window, const Window_Event *event) {
     switch (event->kind) {
     case WINDOW_CREATE:          Main_Window_On_Create (window, event);     return 1;
     case WINDOW_SIZE:            Main_Window_On_Size (window, event);       return 1;
-    case WINDOW_PAINT:           Main_Window_On_Paint ();                   return 1;
+    case WINDOW_PAINT:           Main_Window_On_Paint (window);             return 1;
     case WINDOW_DESTROY:         Main_Window_On_Destroy (window);           return 1;
     case WINDOW_FOCUS_LOST:                                                 return 1;
     case WINDOW_KEY_DOWN:
@@ -409,22 +382,28 @@ Window Main_Window_Create (const Main_Window_Place *place, const Settings *borro
     return window;
 }
 
+// Closed by the program, it ends no loop.
+static void Close (void) {
+    Window window = shown;
+    shown         = nullptr;
+    Window_Destroy (window);
+}
+
 int Main_Window_Run (Window window) {
     Window_Invalidate (window);
     Main_Window_Help (window);
     int result = test_loop ? test_loop (window) : Window_Loop ();
-    if (shown) Window_Destroy (shown);
+    Close ();
     return result;
 }
 
 void Main_Window_Exit (void) {
+    Close ();
     Log_List_Set (nullptr);
     View::Layout_Set (nullptr);
     View::Exit ();
-    Widgets_Exit ();
     Result   = {};
     Drops    = {};
-    shown    = nullptr;
     settings = nullptr;
     wheel    = 0;
     running  = 0;

@@ -47,7 +47,7 @@ struct Drop_Slots {
 extern Drop_Slots Drops;
 static const int DROP_NAME_LIMIT = 260;     // Characters of a path that a slot takes; a longer one is refused.
 
-void Main_Window_Exit (void);               // Forgets slots, wheel and layout, and releases the widgets.
+void Main_Window_Exit (void);               // Closes the window, forgets slots, wheel and layout, releases the widgets.
 
 // --- for tests -------------------------------------------------------------
 

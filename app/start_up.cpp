@@ -1,17 +1,22 @@
-// Start-up brings the services up in the order in which they need one another: identity, command line, console, log,
-// paths, configuration, definition tables. Memory that runs out on the way ends the program with 0, after the message.
+// Start-up brings the services up in the order in which they need one another: identity, command line, console, window,
+// log, paths, configuration, definition tables. Memory that runs out on the way ends the program with 0, after the message.
+// Batch mode makes no window, so that it runs where there is no display.
 #include "app/start_up.h"
 
 #include <stdio.h>
 #include <time.h>
 
+#include <algorithm>
+
 #include "app/command_line.h"
 #include "app/configuration.h"
+#include "app/main_window.h"
 #include "app/tables_directory.h"
 #include "compare/comparison_run.h"
 #include "platform/system.h"
 #include "tables/definition_files.h"
 #include "tables/modality.h"
+#include "tools/icon.h"
 #include "util/memory.h"
 #include "util/my_error_fct.h"
 #include "util/text.h"
@@ -154,34 +159,86 @@ static int Batch_Run (const Command_Line *line) {
         if (!*second) Check_Tables (line->input_file[i]);
     }
     Log_Message (nullptr, LOG_REPORT, EMPHASIS COLOUR_BLACK "Done");
-    Comparison_Free (nullptr);
     return total;
+}
+
+// --- interactive mode ------------------------------------------------------
+
+static const int WINDOW_WIDTH  = 800;
+static const int WINDOW_HEIGHT = 600;
+static const int WINDOW_LIMIT  = 32000; // Farther than any screen.
+
+static Main_Window_Place Window_Place (const Command_Line *line) {
+    Main_Window_Place place = {WINDOW_DEFAULT_POSITION, WINDOW_DEFAULT_POSITION, WINDOW_WIDTH, WINDOW_HEIGHT};
+    if (line->has_x) {
+        place.x     = std::clamp (line->x, -WINDOW_LIMIT, WINDOW_LIMIT);
+        place.width = std::clamp (line->width, 1, WINDOW_LIMIT);
+    }
+    if (line->has_y) {
+        place.y      = std::clamp (line->y, -WINDOW_LIMIT, WINDOW_LIMIT);
+        place.height = std::clamp (line->height, 1, WINDOW_LIMIT);
+    }
+    return place;
+}
+
+// None after a message that also says what can be done without a window.
+static Window Window_Open (const Command_Line *line) {
+    Main_Window_Place place  = Window_Place (line);
+    Window            window = Main_Window_Create (&place, &Program.settings);
+    char              text[1024];
+    if (window) {
+        Window_Show (window);
+        return window;
+    }
+    snprintf (text, sizeof text,
+              "Unable to open the window.\n%s\n\nFiles can be compared without it, in pairs: %s file_a file_b",
+              Window_Error_Text (), PROGRAM_COMMAND);
+    Window_Message_Box (nullptr, text, PROGRAM_NAME, WINDOW_ICON_ERROR);
+    return nullptr;
 }
 
 // --- entry -----------------------------------------------------------------
 
-static void Log_Start (int trace_level) {
+static const int WINDOW_FAILED = 0; // Exit code.
+
+static void Console_Start (int trace_level) {
     Log.trace_level = Trace_Level (trace_level);
     if (Log.trace_level) System_Console_Open ();
+}
+
+static void Log_Start (void) {
     Log_Sink_Set (Log_Program_Sink);
     if (Log.trace_level) Log_Banner ();
 }
 
-static int Run (const Command_Line *line) {
-    if (!line->count) {
-        Command_Line_Usage (stdout);
-        return COMMAND_LINE_BAD;
-    }
-    int result = MEMORY_FAILED;
-    Log_Start (line->trace_level);
-    if (Paths_Set ()) {
-        Configure ();
-        Tables_Provide (Program.Inst_Path);
-        result = Batch_Run (line);
-    }
+// Everything is there: files are compared, or waited for.
+static int Work (const Command_Line *line, Window window) {
+    Icon_Install_Path_Set (Program.Inst_Path ? Program.Inst_Path : "");
+    Configure ();
+    Tables_Provide (Program.Inst_Path);
+    return window ? Main_Window_Run (window) : Batch_Run (line);
+}
+
+// The window goes before what its comparisons hold.
+static void Release (void) {
+    Main_Window_Exit ();
+    Comparison_Free (nullptr);
     Configuration_Free ();
     DICOM_Module_Private_Free (nullptr);
+    Icon_Free_All ();
     Paths_Free ();
+}
+
+static int Run (const Command_Line *line) {
+    Window window = nullptr;
+    Console_Start (line->trace_level);
+    if (!line->count) {
+        window = Window_Open (line);
+        if (!window) return WINDOW_FAILED;
+    }
+    Log_Start ();
+    int result = Paths_Set () ? Work (line, window) : MEMORY_FAILED;
+    Release ();
     return result;
 }
 

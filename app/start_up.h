@@ -1,9 +1,10 @@
-// Start-up: identity, log, paths, then batch mode. Program_Run (platform/system.h) is its entry.
+// Start-up: identity, log, paths, then batch mode or the window. Program_Run (platform/system.h) is its entry.
 #pragma once
 
 #include "attribute/settings.h"
 
 #define PROGRAM_NAME        "Tagwright"
+#define PROGRAM_COMMAND     "tagwright"
 #define PROGRAM_VERSION     "2.1 rev-2"
 #define PROGRAM_IDENTIFIER  "TAGWRIGHT 21000020"
 #define PROGRAM_DATE        "15/06/2016"

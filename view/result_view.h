@@ -60,7 +60,8 @@ void Redraw (Box_Widget *tree, Box_Widget *description, Box_Widget *value, Slide
 int  SetScrollRanges (Box_Widget *tree, Box_Widget *description, Box_Widget *value, Slider *vertical,
                       Slider *tree_slider, Slider *description_slider, Slider *value_slider);
 void Redraw_All (void);                         // Redraw of Result's own widgets.
-void ResetView (Window window);                 // Everything in the window, separators released.
+void Draw_All (Window window);                  // Everything in the window.
+void ResetView (Window window);                 // The same, separators released.
 
 // --- mouse -----------------------------------------------------------------
 

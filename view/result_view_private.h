@@ -50,10 +50,9 @@ inline int Row_Is_Selected (const Row *row) { return (row->kind & ROW_SELECTED) 
 int Limit_Passed (const char *what, int value, int limit, const Row *row);
 int Limit_Is_Passed (void);
 
-// --- drawing everything ----------------------------------------------------
+// --- sliders ---------------------------------------------------------------
 
 void Set_Ranges (void);     // SetScrollRanges of Result's own widgets.
-void Draw_All (Window window);      // Separators, boxes, text list, sliders, panes.
 
 // --- separators ------------------------------------------------------------
 

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 
+#include "tests/support/environment.h"
 #include "tests/support/program.h"
 #include "tests/support/temporary.h"
 
@@ -120,4 +121,22 @@ TEST (Install, BuiltProgramHasItsDataBesideIt) {
     std::string built = std::filesystem::path (Program_Built ()).parent_path ().string () + "/Tagwright.ini";
     EXPECT_EQ (Read_Whole (std::string (TAGWRIGHT_SOURCE_DIR) + "/install/Tagwright.ini"), Read_Whole (built));
     EXPECT_FALSE (Read_Whole (built).empty ());
+}
+
+// --- without a display -----------------------------------------------------
+
+TEST (Install, WithoutDisplayTheUserIsToldWhatToDo) {
+    Temporary_Directory user;
+    std::string         before[2];
+    const char *const   names[] = {"DISPLAY", "WAYLAND_DISPLAY"};
+    for (int i = 0; i < 2; i++) {
+        before[i] = getenv (names[i]) ? getenv (names[i]) : "";
+        Environment_Set (names[i], "");
+    }
+    Program_Result result = Program_Run_Built (user, "");
+    for (int i = 0; i < 2; i++) Environment_Set (names[i], before[i]);
+    EXPECT_EQ (0, result.status);
+    EXPECT_EQ (0u, result.errors.find ("Tagwright\nUnable to open the window.\n")) << result.errors;
+    EXPECT_NE (std::string::npos, result.errors.find ("is DISPLAY or WAYLAND_DISPLAY set")) << result.errors;
+    EXPECT_NE (std::string::npos, result.errors.find ("in pairs: tagwright file_a file_b\n")) << result.errors;
 }

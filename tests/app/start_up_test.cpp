@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/command_line.h"
+#include "app/main_window.h"
 #include "nema/NEMA_Read_Value.h"
 #include "platform/system.h"
 #include "platform/window.h"
@@ -21,6 +22,7 @@
 #include "tests/support/temporary.h"
 #include "util/memory.h"
 #include "util/my_error_fct.h"
+#include "view/result_view.h"
 
 static std::string Example_Path (const std::string &name) {
     return std::string (TAGWRIGHT_SOURCE_DIR) + "/examples/" + name;
@@ -38,7 +40,7 @@ static bool Contains (const std::string &text, const std::string &part) {
 
 static std::string boxes;
 
-static int Box (Window, const char *text, const char *, Window_Icon) {
+static int Box_Heard (Window, const char *text, const char *, Window_Icon) {
     boxes += text;
     return 0;
 }
@@ -72,7 +74,7 @@ struct Started {
         path.copy (Log.scratch, sizeof Log.scratch - 1);
         Log.scratch[path.size ()] = 0;
         boxes.clear ();
-        Window_Box_Hook_Set (Box);
+        Window_Box_Hook_Set (Box_Heard);
         Log_Sink_Set (nullptr);
     }
     ~Started () {
@@ -96,17 +98,6 @@ struct Started {
 };
 
 // --- in this process -------------------------------------------------------
-
-TEST (StartUp, NoNamesShowTheUsage) {
-    Started started;
-    started.Run ({});
-    EXPECT_EQ (COMMAND_LINE_BAD, started.result);
-    EXPECT_TRUE (Contains (started.output, " --- usage: ---\n"));
-    EXPECT_EQ ("", started.errors);
-    started.Run ({"-t", "3"});
-    EXPECT_EQ (COMMAND_LINE_BAD, started.result);
-    EXPECT_EQ ("", started.Trace ());
-}
 
 TEST (StartUp, UnknownOption) {
     Started started;
@@ -225,7 +216,7 @@ TEST (StartUp, IdentityIsSetAnew) {
     Started started;
     Log.audit_mode  = 1;
     Log.trace_level = 4;
-    started.Run ({});
+    started.Run ({"a", "b"});
     EXPECT_EQ (0, Log.trace_level);
     EXPECT_EQ (2, Log.audit_mode);
     EXPECT_STREQ ("Tagwright_trace.dat", Log.trace_name);
@@ -282,6 +273,101 @@ TEST (StartUp, EveryMemoryFailureIsShownAndLeaksNothing) {
         EXPECT_TRUE (Contains (all, std::string ("(var=") + name)) << name;
 }
 
+// --- the window ------------------------------------------------------------
+
+static std::string listed;
+static int         window_width, window_height;
+
+// What the user sees when the loop begins.
+static int Look (Window window) {
+    listed.clear ();
+    for (int i = 0; i < Result.text.line_count; i++) listed += Clean (Texts::Line (&Result.text, i)) + "\n";
+    Window_Client_Size (window, &window_width, &window_height);
+    return 7;
+}
+
+struct Looked : Started {
+    Looked () { Main_Window_Loop_Set (Look); }
+    ~Looked () { Main_Window_Loop_Set (nullptr); }
+};
+
+TEST (StartUp, NoNamesOpenTheWindow) {
+    Looked started;
+    started.Run ({});
+    EXPECT_EQ (7, started.result);
+    EXPECT_EQ ("", started.output + started.errors + boxes);
+    EXPECT_EQ (800, window_width);
+    EXPECT_EQ (600, window_height);
+    EXPECT_TRUE (Contains (listed, "\n----- ----- ----- Tagwright ----- ----- -----\n- Drag & Drop 1 DICOM file"))
+        << listed;
+    EXPECT_TRUE (Contains (listed, " black \t\t\t in both the file and the modality \t\t different\n"));
+    EXPECT_EQ ("", started.Trace ());
+}
+
+TEST (StartUp, OptionsSetTheWindowsSize) {
+    static const struct {
+        const char *x, *width, *y, *height;
+        int         expected_width, expected_height;
+    } PLACES[] = {{"10", "640", "20", "480", 640, 480}, {"-5", "0", "0", "-1", 1, 1}};
+    for (const auto &place : PLACES) {
+        Looked started;
+        started.Run ({"-x", place.x, place.width, "-Y", place.y, place.height});
+        EXPECT_EQ (7, started.result);
+        EXPECT_EQ (place.expected_width, window_width);
+        EXPECT_EQ (place.expected_height, window_height);
+    }
+    Looked started;
+    started.Run ({"-x", "1", "700"});
+    EXPECT_EQ (700, window_width);
+    EXPECT_EQ (600, window_height);
+}
+
+TEST (StartUp, WindowIsTracedFromItsStart) {
+    Looked started;
+    started.Run ({"-t", "1"});
+    EXPECT_EQ (0u, started.Trace ().find ("TRACE:   ==== ==== Tagwright 2.1 rev-2 ====")) << started.Trace ();
+    EXPECT_FALSE (Contains (started.Trace (), "Kestrelbay Libraries"));
+}
+
+// What is told before the help (here that the tables were copied) stands in the list, too.
+TEST (StartUp, EarlierReportsStandBeforeTheHelp) {
+    Looked              started;
+    Temporary_Directory user;
+    Environment_Set ("APPDATA", user.path);
+    started.Run ({});
+    EXPECT_EQ (0u, listed.find ("DICOM tables do not exist in ")) << listed;
+    EXPECT_LT (listed.find ("to: "), listed.find ("Drag & Drop 1"));
+}
+
+TEST (StartUp, WindowReleasesEverything) {
+    Dictionary_Build (nullptr);
+    long live = Memory_Live ();
+    {
+        Looked started;
+        started.Run ({});
+    }
+    EXPECT_EQ (live, Memory_Live ());
+    EXPECT_EQ (0, Drops.count);
+}
+
+TEST (StartUp, EveryMemoryFailureWithAWindowIsShownAndLeaksNothing) {
+    Dictionary_Build (nullptr);
+    long live = Memory_Live ();
+    for (long n = 1, failed = 1; failed; n++) {
+        Looked started;
+        listed.clear ();
+        Memory_Fail_At (n);
+        started.Run ({});
+        failed = Memory_Failed ();
+        Memory_Fail_At (0);
+        NEMA_Value_Rings_Free ();
+        EXPECT_EQ (failed, Contains (boxes, "\nmemory error in ")) << n << boxes;
+        EXPECT_EQ (live, Memory_Live ()) << n;
+        EXPECT_TRUE (started.result == 7 || started.result == 0) << n;
+        ASSERT_GT (10000, n);
+    }
+}
+
 // --- the built program -----------------------------------------------------
 
 static int Status (int result) { return System_Exit_Status (result); }
@@ -305,14 +391,6 @@ TEST (Program, FileEqualsItself) {
     for (const Example &example : Examples_Make ())
         arguments += Quoted (Example_Path (example.name)) + " " + Quoted (Example_Path (example.name)) + " ";
     EXPECT_EQ (0, Program_Run_Built (directory, arguments).status);
-}
-
-TEST (Program, NoNames) {
-    Temporary_Directory directory;
-    Program_Result      result = Program_Run_Built (directory, "");
-    EXPECT_EQ (2, result.status);
-    EXPECT_TRUE (Contains (result.output, "\n --- usage: ---\n Tagwright [-v] [-t *]")) << result.output;
-    EXPECT_EQ ("", result.errors);
 }
 
 TEST (Program, UnknownOption) {

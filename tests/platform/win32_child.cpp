@@ -6,6 +6,8 @@
 
 #include <windows.h>
 
+#include <shlobj.h>
+
 #include "platform/system.h"
 
 static const char ROLE[]     = "TAGWRIGHT_TEST_ROLE";
@@ -35,10 +37,35 @@ static unsigned long Write_To_Console (const char *text) {
     return strcmp (shown, text) ? CONSOLE_DIFFERENT : CONSOLE_SHOWS;
 }
 
+// Memory of another process with these bytes.
+static void *Memory_Of_Other (HWND window, const void *bytes, size_t size) {
+    DWORD process = 0;
+    GetWindowThreadProcessId (window, &process);
+    HANDLE other  = OpenProcess (PROCESS_VM_OPERATION | PROCESS_VM_WRITE, FALSE, process);
+    void  *memory = VirtualAllocEx (other, nullptr, size, MEM_COMMIT, PAGE_READWRITE);
+    if (memory && !WriteProcessMemory (other, memory, bytes, size, nullptr)) memory = nullptr;
+    CloseHandle (other);
+    return memory;
+}
+
+// Drops two files on the window with this title, as a program does from which they are dragged. Wine doesn't take the
+// list along to the other process, so it is put there. 0 when the window got it.
+static int Drop_On (const char *title) {
+    struct {
+        DROPFILES facts;
+        wchar_t   names[40];
+    } drop = {{sizeof (DROPFILES), {}, FALSE, TRUE}, L"C:\\from another.dcm\0D:\\\u00E9t\u00E9.dcm\0"};
+
+    HWND  window = FindWindowA (nullptr, title);
+    void *memory = window ? Memory_Of_Other (window, &drop, sizeof drop) : nullptr;
+    return memory && PostMessageA (window, WM_DROPFILES, reinterpret_cast<WPARAM> (memory), 0) ? 0 : 1;
+}
+
 static int Role_Run (const char *role, const char *argument) {
     if (!strcmp (role, "status")) return System_Exit_Status (atoi (argument));
     if (!strcmp (role, "write")) return Write_And_Die (argument);
     if (!strcmp (role, "console")) return (int)Write_To_Console (argument);
+    if (!strcmp (role, "drop")) return Drop_On (argument);
     return 99;
 }
 

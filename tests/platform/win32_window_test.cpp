@@ -12,6 +12,7 @@
 
 #include "platform/drawing.h"
 #include "platform/window.h"
+#include "tests/platform/win32_child.h"
 
 // --- boxes -----------------------------------------------------------------
 
@@ -580,6 +581,25 @@ TEST_F (Win32Windows, WhatIsDrawnInAnEventIsSeenAtItsEndOrWithAnUpdate) {
     }
 }
 
+static int Boxes_On_Key (Window window, const Window_Event *event) {
+    if (event->kind != WINDOW_KEY_DOWN) return 0;
+    Drawing drawing = Drawing_Begin (window);
+    Drawing_Fill (drawing, 50, 50, 60, 60, Drawing_Colour (0, 0, 255));
+    Drawing_End (drawing);
+    Window_Message_Box (reinterpret_cast<Window> (0x1234), "text", "caption", WINDOW_ICON_NONE); // Is refused.
+    shown_in_event = Shown (window, 55, 55);
+    return 1;
+}
+
+TEST_F (Win32Windows, WhatIsDrawnIsSeenBehindABox) {
+    Open_Shown ();
+    inside = Boxes_On_Key;
+    testing::internal::CaptureStderr ();
+    SendMessageA (Handle (window), WM_KEYDOWN, VK_HOME, 0);
+    EXPECT_EQ (testing::internal::GetCapturedStderr (), "caption\ntext\n");
+    EXPECT_EQ (shown_in_event, Drawing_Colour (0, 0, 255));
+}
+
 // A box has a loop of its own, which paints the windows below it.
 static int Paints_Inside (Window window, const Window_Event *event) {
     if (event->kind == WINDOW_KEY_DOWN) {
@@ -917,6 +937,16 @@ TEST_F (Win32Windows, AThousandFilesAreDroppedWithoutAStall) {
     ASSERT_EQ (dropped.size (), 1000u);
     EXPECT_EQ (dropped[999], "C:\\folder\\some file 999.dcm");
     EXPECT_EQ (Count (WINDOW_DROP), 1);
+}
+
+TEST_F (Win32Windows, AnotherProgramDropsFiles) {
+    Window_Description description = Description (0);
+    description.title              = "Window for drops";
+    window                         = Window_Create (&description);
+    dropped.clear ();
+    EXPECT_EQ (Child_Run ("drop", description.title, CHILD_PIPE).status, 0u);
+    for (int tries = 0; tries < 50 && dropped.empty (); tries++) Deliver_Waiting (20);
+    EXPECT_EQ (dropped, (std::vector<std::string> {"C:\\from another.dcm", "D:\\\xC3\xA9t\xC3\xA9.dcm"}));
 }
 
 TEST_F (Win32Windows, ADropIsReleasedAfterwards) {

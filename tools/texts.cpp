@@ -21,8 +21,8 @@ static const int LEFT_MARGIN  = 2;   // From the field's edge to its first chara
 static const int FRAME        = 1;   // One ring: the characters begin close to it.
 static const int RUN_LIMIT    = 512; // Bytes drawn with one call: a line may have a million.
 static const int SMALLEST     = 30;  // A field narrower or lower than this has no slider.
-static const int DEFAULT_TAB  = 32;  // From one tab stop to the next, of the same.
 static const int DEFAULT_LINE = 16;  // Pitch of a field that could not be measured.
+static const int DEFAULT_TAB  = 32;  // Its way from one tab stop to the next.
 
 // A tab stop is as wide as four characters of a heading. The legend of the main window counts on it: the heading of its
 // first column is measured, so that the texts below reach the next column with the tabs that they have, in every size.
@@ -278,7 +278,7 @@ static void Clip (const Text_Widget *text, const Area *area) {
 static void Draw_Typed (Text_Widget *text, const Area *area, int row) {
     Pen pen    = Pen_At (text, area, row);
     int length = (int)strnlen (text->text, TEXT_SIZE - 1);
-    int before = Device::Run_Width (pen.font, text->text, std::min (text->cursor, length));
+    int before = Device::Run_Width (pen.font, text->text, std::clamp (text->cursor, 0, length));
     pen.start -= std::max (0, pen.start + before + LEFT_MARGIN - area->right);
     Area bar = {pen.start + before, pen.y, pen.start + before + 1, pen.y + Pitch (text)};
     Draw_Run (&pen, text->text, length);

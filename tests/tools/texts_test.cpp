@@ -789,6 +789,34 @@ TEST (Texts, WritingTooFastIsDrawnLater) {
     EXPECT_EQ (Joined (Rewritten (field)), "a|b|c|d|");
 }
 
+static Text_Widget *painted;
+
+static int Paint_Field (Window, const Window_Event *event) {
+    if (event->kind != WINDOW_PAINT || !painted) return 0;
+    Texts::Re_Write (painted);
+    return 1;
+}
+
+TEST (Texts, WhatWasLeftOutIsDrawnByTheNextPaintEvent) {
+    Field                    field;
+    const Window_Description description = {"painted", 0, 0, 400, 200, GREY, Paint_Field, 0, 1};
+    Window                   window      = Window_Create (&description);
+    ASSERT_TRUE (window);
+    Texts::Init (field.text, window);
+    Text::Draw (field.text);
+    Window_Loop (); // What the window's beginning asked for.
+    painted = field.text;
+    field.Write ("a");
+    EXPECT_EQ (Joined (Texts_Drawn ([] { Window_Loop (); })), "");
+    field.text->credit = INT64_MIN / 2;
+    field.Write ("b");
+    EXPECT_EQ (Joined (Texts_Drawn ([] { Window_Loop (); })), "a|b|");
+    EXPECT_EQ (Joined (Texts_Drawn ([] { Window_Loop (); })), "");
+    painted = nullptr;
+    Texts::Exit (field.text);
+    Window_Destroy (window);
+}
+
 TEST (Texts, AFloodOfLinesDrawsForAShareOfItsTimeOnly) {
     Field field (780);
     field.Ready ();
@@ -1375,6 +1403,20 @@ TEST (TextsEcho, ALineWithoutItsZeroIsEnded) {
     memset (field.text->text, '\xF4', TEXT_SIZE);
     Type (field, {LEFT, RIGHT, BACKSPACE, DELETE, 'x', END});
     EXPECT_EQ (field.text->text[TEXT_SIZE - 1], 0);
+}
+
+TEST (TextsEcho, ACursorOutOfBoundsIsDrawnWithinThem) {
+    Field field;
+    field.text->echo = 1;
+    field.Ready ();
+    strcpy (field.text->text, "ab");
+    for (int cursor : {INT32_MIN, -1, 3, INT32_MAX}) {
+        int x              = 12 + (cursor < 0 ? 0 : field.Width (field.text->normal, "ab"));
+        field.text->cursor = cursor;
+        Texts::Re_Write (field.text);
+        EXPECT_EQ (field.Count (0, x, field.Row_Bottom (0), x + 1, field.Row_Bottom (0) + field.text->pitch),
+                   field.text->pitch);
+    }
 }
 
 TEST (TextsEcho, StandsBelowTheLinesWithACursor) {

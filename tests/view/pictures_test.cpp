@@ -3,20 +3,24 @@
 
 #include "tests/view/shown.h"
 
+static const int NO_STRIP = 8; // The text list is none of the view's.
+
 TEST (ViewPictures, NoFile) {
-    Shown shown (1500, 400);
-    shown.Place (500, 700);
+    Shown shown (1500, 250);
+    shown.Place (500, 700, NO_STRIP);
     EXPECT_TRUE (Picture_Matches (shown.window, "view_no_file"));
 }
 
 TEST (ViewPictures, Folded) {
-    Shown shown (1400, 520);
+    Shown shown (1400, 370);
+    shown.Place (620, 900, NO_STRIP);
     Example_Build (&shown);
     EXPECT_TRUE (Picture_Matches (shown.window, "view_folded"));
 }
 
 TEST (ViewPictures, UnfoldedAndSelected) {
-    Shown shown (1400, 640);
+    Shown shown (1400, 490);
+    shown.Place (620, 900, NO_STRIP);
     Example_Build (&shown);
     shown.Unfold_All ();
     Rows.rows[16].kind = ROW_MARK;
@@ -26,8 +30,8 @@ TEST (ViewPictures, UnfoldedAndSelected) {
 }
 
 TEST (ViewPictures, Scrolled) {
-    Shown shown (1000, 420);
-    shown.Place (420, 620);
+    Shown shown (1000, 270);
+    shown.Place (420, 620, NO_STRIP);
     Example_Build (&shown);
     shown.Unfold_All ();
     Rows_Select (4);
@@ -40,15 +44,15 @@ TEST (ViewPictures, Scrolled) {
 }
 
 TEST (ViewPictures, NarrowWithOnePaneHidden) {
-    Shown shown (640, 400);
-    shown.Place (300, 318);
+    Shown shown (640, 250);
+    shown.Place (300, 318, NO_STRIP);
     Example_Build (&shown);
     EXPECT_TRUE (Picture_Matches (shown.window, "view_narrow"));
 }
 
 TEST (ViewPictures, Wide) {
-    Shown shown (2000, 700);
-    shown.Place (540, 860);
+    Shown shown (2000, 550);
+    shown.Place (540, 860, NO_STRIP);
     Example_Build (&shown);
     shown.Unfold_All ();
     EXPECT_TRUE (Picture_Matches (shown.window, "view_wide"));

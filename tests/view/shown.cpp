@@ -1,5 +1,7 @@
 #include "tests/view/shown.h"
 
+#include <algorithm>
+
 #include "compare/attribute_comparison.h"
 #include "compare/comparison_run.h"
 #include "tools/icon.h"
@@ -52,7 +54,7 @@ void Shown_Layout (Window window, int width, int height) {
     Put_Box (&r.tree, window, 0, 0, r.left, H);
     Put_Box (&r.description, window, r.left + S, 0, r.right - r.left - S, H);
     Put_Box (&r.value, window, r.right + S, 0, width - 1 - r.right - S, H);
-    Put (&r.text.widget, 0, H + 8, width - 1, 151);
+    Put (&r.text.widget, 0, H + 8, width - 1, std::max (0, std::min (151, r.strip_height - 9)));
     Texts::Init (&r.text, window);
     Put_Button (&r.strip_separator, window, -4, H, width + 8, S);
     Put_Button (&r.left_separator, window, r.left, -4, S, H + 7);

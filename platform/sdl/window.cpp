@@ -126,6 +126,19 @@ static void Hints_Set (void) {
     SDL_setenv ("SDL_VIDEO_WAYLAND_WMCLASS", "tagwright", 0);
 }
 
+// An X client ends at the first error unless it handles errors. Ours come from windows that are gone when a message reaches
+// them: that of a file manager which ended in the midst of a drag, or a box of ours that the library still wants to wake.
+static int X_Error (void *, void *) { return 0; }
+
+// The library loads X by itself when there is one, so the module isn't linked with it.
+static void X_Errors_Ignore (void) {
+    typedef int (*Handler) (void *, void *);
+    typedef Handler (*Handler_Set) (Handler);
+    void       *x11 = SDL_LoadObject ("libX11.so.6");
+    Handler_Set set = x11 ? reinterpret_cast<Handler_Set> (SDL_LoadFunction (x11, "XSetErrorHandler")) : nullptr;
+    if (set) set (X_Error);
+}
+
 static int Screen_Open (void) {
     if (SDL_WasInit (SDL_INIT_VIDEO)) return 1;
     SDL_SetMainReady ();
@@ -135,9 +148,12 @@ static int Screen_Open (void) {
                    SDL_GetError ());
         return 0;
     }
-    // Pixels go to an X server faster than through OpenGL, which a remote display has not.
     const char *driver = SDL_GetCurrentVideoDriver ();
-    if (driver && !strcmp (driver, "x11")) SDL_SetHint (SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
+    if (driver && !strcmp (driver, "x11")) {
+        X_Errors_Ignore ();
+        // Pixels go to an X server faster than through OpenGL, which a remote display has not.
+        SDL_SetHint (SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
+    }
     SDL_StartTextInput ();
     return 1;
 }
@@ -194,8 +210,11 @@ Window Window_Create (const Window_Description *description) {
     window->procedure = description->procedure;
     window->next      = windows;
     windows           = window;
+    Window_Hold (window);
     Deliver_Size (window, WINDOW_CREATE);
-    return window;
+    int refused = window->destroying;
+    Window_Let_Go (window);
+    return refused ? Error_Set ("The window was closed while it was made."), nullptr : window;
 }
 
 const char *Window_Error_Text (void) { return error_text; }

@@ -292,6 +292,17 @@ TEST_F (SdlWindow, WindowMayBeDestroyedByItsOwnProcedure) {
     EXPECT_EQ (Window_Loop (), 0);
 }
 
+static int Refuses (Window window, const Window_Event *event) {
+    if (event->kind == WINDOW_CREATE) Window_Destroy (window);
+    return 1;
+}
+
+TEST_F (SdlWindow, WindowDestroyedByItsCreateEventIsNone) {
+    Window_Description description = Description (Refuses);
+    EXPECT_EQ (Window_Create (&description), nullptr);
+    EXPECT_STREQ (Window_Error_Text (), "The window was closed while it was made.");
+}
+
 TEST_F (SdlWindow, WindowsAreDestroyedInAnyOrder) {
     Window_Description description = Description (nullptr);
     Window             others[3];

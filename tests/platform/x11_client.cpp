@@ -2,6 +2,7 @@
 //   x11_client close WINDOW              asks it to close, as its close box does
 //   x11_client drop WINDOW TYPE DATA     drags DATA over the window and drops it there, by the XDND protocol; DATA is one
 //                                        text of the TYPE, such as text/uri-list with an address on each line
+//   x11_client leave WINDOW              begins to drag something over the window, and is gone
 //   x11_client map KEYCODE KEYSYM        makes a key of the keyboard stand for a character, until the server ends
 // Ends with 0 when the window has taken it.
 #include <X11/Xatom.h>
@@ -80,6 +81,16 @@ static int Drop (Window window, const char *type, const char *data) {
     return 0;
 }
 
+static int Leave (Window window) {
+    Window source = XCreateSimpleWindow (display, DefaultRootWindow (display), 0, 0, 1, 1, 0, 0, 0);
+    XDestroyWindow (display, source);
+    XSync (display, False);
+    Send (window, "XdndEnter", (long)source, 5L << 24, (long)Name ("text/uri-list"), None, None);
+    Send (window, "XdndPosition", (long)source, 0, 1 << 16 | 1, CurrentTime, (long)Name ("XdndActionCopy"));
+    XSync (display, False);
+    return 0;
+}
+
 // --- keyboard --------------------------------------------------------------
 
 static int Map (int code, unsigned long symbol) {
@@ -97,6 +108,7 @@ int main (int count, char **words) {
     int           result = 2;
     if (!strcmp (words[1], "map") && count == 4) result = Map ((int)window, strtoul (words[3], nullptr, 0));
     if (!strcmp (words[1], "close")) result = Close (window);
+    if (!strcmp (words[1], "leave")) result = Leave (window);
     if (!strcmp (words[1], "drop") && count == 5) result = Drop (window, words[3], words[4]);
     XCloseDisplay (display);
     return result;

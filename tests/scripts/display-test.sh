@@ -166,6 +166,9 @@ expect "drop 1000"
 expect "file /tmp/1000.dcm"
 drop text/uri-list $'https://example.org/file\r\n'
 expect "drop 0"
+"$folder/x11_client" leave "$window"
+drop text/uri-list $'file:///tmp/after.dcm\r\n'
+expect "file /tmp/after.dcm"
 
 # --- the end ---
 

@@ -89,6 +89,18 @@ TEST_F (Memory, FailedEnlargingKeepsTheOldBlock) {
     EXPECT_EQ (Memory_Live (), live);
 }
 
+TEST_F (Memory, ATryThatFailsIsNotReported) {
+    Memory_Fail_At (1);
+    EXPECT_EQ (Memory_Try (10), nullptr);
+    EXPECT_EQ (Memory_Failed (), 1);
+    EXPECT_EQ (recorder.All (), "");
+    EXPECT_EQ (Memory_Live (), live);
+    void *block = Memory_Try (0);
+    EXPECT_NE (block, nullptr);
+    EXPECT_EQ (Memory_Live (), live + 1);
+    Memory_Free (block);
+}
+
 TEST_F (Memory, TheChosenAllocationFailsAndNoOther) {
     Memory_Fail_At (3);
     void *blocks[4];

@@ -22,8 +22,8 @@ static int Is_Vertical (const Slider *slider) { return (slider->widget.state & W
 static int Is_Reversed (const Slider *slider) { return (slider->widget.state & WIDGET_REVERSED) != 0; }
 static int Is_Empty (const Slider *slider) { return slider->widget.w < 1 || slider->widget.h < 1; }
 
-static int Long_Side (const Slider *slider) { return Is_Vertical (slider) ? slider->widget.h : slider->widget.w; }
-static int Short_Side (const Slider *slider) { return Is_Vertical (slider) ? slider->widget.w : slider->widget.h; }
+static int Length (const Slider *slider) { return Is_Vertical (slider) ? slider->widget.h : slider->widget.w; }
+static int Thickness (const Slider *slider) { return Is_Vertical (slider) ? slider->widget.w : slider->widget.h; }
 static int Arrow_Size (const Slider *slider) { return slider->arrow_size > 0 ? slider->arrow_size : WIDGET_BORDER; }
 static int Half (const Slider *slider) { return std::clamp (slider->half, 0, LONGEST_HALF); }
 
@@ -31,11 +31,11 @@ static int Start (const Slider *slider) { return Is_Vertical (slider) ? slider->
 
 // Pixels that the thumb can really be moved by.
 static int Travel (const Slider *slider) {
-    return std::max (0, Long_Side (slider) - 2 * Half (slider) - 2 * Arrow_Size (slider) - 2 * Short_Side (slider));
+    return std::max (0, Length (slider) - 2 * Half (slider) - 2 * Arrow_Size (slider) - 2 * Thickness (slider));
 }
 
 static int Thumb_Length (const Slider *slider) {
-    return std::min (2 * Half (slider) + 2 * Arrow_Size (slider), Long_Side (slider) - 2 * Short_Side (slider));
+    return std::min (2 * Half (slider) + 2 * Arrow_Size (slider), Length (slider) - 2 * Thickness (slider));
 }
 
 static int Has_Thumb (const Slider *slider) {
@@ -49,7 +49,7 @@ static int Pointer_Offset (const Slider *slider) {
 }
 
 int Sliders::Track (const Slider *slider) {
-    return Long_Side (slider) - 2 * Short_Side (slider) - Arrow_Size (slider) - 2 * Half (slider);
+    return Length (slider) - 2 * Thickness (slider) - Arrow_Size (slider) - 2 * Half (slider);
 }
 
 // --- values ----------------------------------------------------------------
@@ -77,7 +77,7 @@ static double Way (const Slider *slider) {
 }
 
 int Sliders::Thumb (const Slider *slider) {
-    return Short_Side (slider) + static_cast<int> (floor (Way (slider) * Travel (slider) + 0.5));
+    return Thickness (slider) + static_cast<int> (floor (Way (slider) * Travel (slider) + 0.5));
 }
 
 static void Fill_Positions (Slider *slider) {
@@ -86,7 +86,6 @@ static void Fill_Positions (Slider *slider) {
     slider->position_count = count;
     for (int i = 0; i < count; i++)
         slider->positions[i] = Within (slider, slider->minimum + Extent (slider) / (count - 1) * i);
-    if (count) slider->positions[count - 1] = Within (slider, slider->maximum);
 }
 
 // The table's value for a place counted from the slider's start.
@@ -167,7 +166,7 @@ static void Draw_Pale (Slider *slider, const Area &area) {
 }
 
 // A slider shorter than two squares shares its length between its arrows.
-static int Arrow_Length (const Slider *slider) { return std::min (Short_Side (slider), Long_Side (slider) / 2); }
+static int Arrow_Length (const Slider *slider) { return std::min (Thickness (slider), Length (slider) / 2); }
 
 static Slider_Part Part_At_End (const Slider *slider, int far_end) {
     return far_end == Is_Reversed (slider) ? SLIDER_LESS : SLIDER_MORE;
@@ -176,14 +175,14 @@ static Slider_Part Part_At_End (const Slider *slider, int far_end) {
 // far_end: the right or the top one.
 static void Draw_Arrow (Slider *slider, int far_end) {
     int  length    = Arrow_Length (slider);
-    int  from      = far_end ? Long_Side (slider) - length : 0;
+    int  from      = far_end ? Length (slider) - length : 0;
     int  direction = Is_Vertical (slider) ? (far_end ? Tools::ARROW_UP : Tools::ARROW_DOWN)
                                           : (far_end ? Tools::ARROW_RIGHT : Tools::ARROW_LEFT);
     int  pressed   = slider->pressed == Part_At_End (slider, far_end);
     Area area      = Part_Area (slider, from, from + length, 0);
     if (slider->widget.state & WIDGET_INACTIVE) Draw_Pale (slider, area);
     else Draw_Knob (slider, area, pressed ? Tools::CADRE_SUNKEN : Tools::CADRE_RAISED, pressed);
-    if (length >= SHORTEST_HEAD && Short_Side (slider) >= SHORTEST_HEAD)
+    if (length >= SHORTEST_HEAD && Thickness (slider) >= SHORTEST_HEAD)
         Tools::Arrow (&slider->widget, direction, pressed, area.left, area.right, area.bottom, area.top);
 }
 
@@ -211,13 +210,13 @@ static void Draw_Grip (Slider *slider, int middle) {
 
 static void Draw_Thumb (Slider *slider, int from, int to) {
     Draw_Knob (slider, Part_Area (slider, from, to, 0), Tools::CADRE_RAISED, slider->drag);
-    if (to - from >= SHORTEST_GRIP && Short_Side (slider) > 2 * GRIP_INSET) Draw_Grip (slider, (from + to) / 2);
+    if (to - from >= SHORTEST_GRIP && Thickness (slider) > 2 * GRIP_INSET) Draw_Grip (slider, (from + to) / 2);
 }
 
 // Draws only beside the thumb what the thumb doesn't cover, so that it doesn't flicker while it is dragged.
 static void Draw_Track_And_Thumb (Slider *slider) {
     int low  = Arrow_Length (slider);
-    int high = Long_Side (slider) - low;
+    int high = Length (slider) - low;
     if (slider->widget.state & WIDGET_INACTIVE) {
         if (low < high) Draw_Pale (slider, Part_Area (slider, low, high, 0));
     } else if (!Has_Thumb (slider)) {
@@ -256,7 +255,7 @@ static void Set_Defaults (Slider *slider) {
     if (slider->arrow_size < 1) slider->arrow_size = 1;
     slider->step = Step (slider);
     slider->half = std::max (slider->half, SHORTEST_THUMB);
-    slider->half = std::max (0, std::min (slider->half, Long_Side (slider) / 2 - Short_Side (slider)));
+    slider->half = std::max (0, std::min (slider->half, Length (slider) / 2 - Thickness (slider)));
 }
 
 void Sliders::Init (Slider *slider, Window window) {
@@ -305,7 +304,7 @@ float Sliders::Wheel (Slider *slider, int notches) {
 
 // --- mouse -----------------------------------------------------------------
 
-static Slider_Part Track_Part (const Slider *slider, int offset) {
+static Slider_Part Part_On_Track (const Slider *slider, int offset) {
     int from = Sliders::Thumb (slider);
     if (!Has_Thumb (slider)) return SLIDER_NOTHING;
     if (offset >= from && offset <= from + Thumb_Length (slider)) return SLIDER_THUMB;
@@ -317,8 +316,8 @@ Slider_Part Sliders::Part_At (const Slider *slider, int x, int y) {
     int offset = (Is_Vertical (slider) ? y : x) - Start (slider);
     int arrow  = Arrow_Length (slider);
     if (offset < arrow) return Part_At_End (slider, 0);
-    if (offset > Long_Side (slider) - arrow) return Part_At_End (slider, 1);
-    return Track_Part (slider, offset);
+    if (offset > Length (slider) - arrow) return Part_At_End (slider, 1);
+    return Part_On_Track (slider, offset);
 }
 
 static float Target (const Slider *slider, int part) {
@@ -375,7 +374,7 @@ static float Dragged_Value (const Slider *slider) {
     int travel = Travel (slider);
     int thumb  = Pointer_Offset (slider) - slider->grip - Arrow_Size (slider) - Half (slider);
     if (!slider->position_count || !travel || thumb == Sliders::Thumb (slider)) return Within (slider, slider->value);
-    int gone = std::clamp (thumb - Short_Side (slider), 0, travel);
+    int gone = std::clamp (thumb - Thickness (slider), 0, travel);
     return Position (slider, (gone * (slider->position_count - 1) + travel / 2) / travel);
 }
 
@@ -383,8 +382,8 @@ static int Is_On_Track (const Slider *slider) {
     int x, y;
     Device::Pointer_Get (&x, &y);
     int offset = Pointer_Offset (slider);
-    return Widget_Contains (&slider->widget, x, y) && offset >= Short_Side (slider) &&
-           offset <= Long_Side (slider) - Short_Side (slider);
+    return Widget_Contains (&slider->widget, x, y) && offset >= Thickness (slider) &&
+           offset <= Length (slider) - Thickness (slider);
 }
 
 float Sliders::Read (Slider *slider) {

@@ -343,3 +343,11 @@ TEST_F (BoxesSelect, PicturesShowTheLook) {
     Move (0, 0);
     EXPECT_EQ (Pixel (24, 86), Drawing_Colour (0, 0, 255));
 }
+
+TEST_F (BoxesSelect, FixedBoxShowsItsPicture) {
+    static const uint8_t blue[] = {255, 0, 0, 255};
+    const Tools::Picture normal = {blue, 1, 1};
+    box.look.image              = &normal;
+    Make (WIDGET_FIXED);
+    EXPECT_EQ (Pixel (24, 86), Drawing_Colour (0, 0, 255));
+}

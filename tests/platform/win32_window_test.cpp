@@ -860,6 +860,40 @@ TEST_F (Win32Windows, TheRealMouseEndsWhatWasSentOfIt) {
     EXPECT_EQ (Window_Modifier_Down (WINDOW_SHIFT), 0);
 }
 
+// Presses the left button, as it is built, above the window and lets it go. The buttons that were down meanwhile.
+static int Press_Left (Window window) {
+    POINT place = {25, 35};
+    ClientToScreen (Handle (window), &place);
+    SetCursorPos (place.x, place.y);
+    Deliver_Waiting (50);
+    mouse_event (MOUSEEVENTF_LEFTDOWN, 0, 0, 0, 0);
+    Deliver_Waiting (50);
+    int down = 0;
+    for (int button : {WINDOW_BUTTON_LEFT, WINDOW_BUTTON_RIGHT, WINDOW_BUTTON_MIDDLE})
+        if (Window_Button_Down (button)) down |= button;
+    mouse_event (MOUSEEVENTF_LEFTUP, 0, 0, 0, 0);
+    Deliver_Waiting (50);
+    EXPECT_EQ (Window_Button_Down (WINDOW_BUTTON_LEFT) + Window_Button_Down (WINDOW_BUTTON_RIGHT), 0) << "let go";
+    return down;
+}
+
+TEST_F (Win32Windows, AButtonIsDownWhileItIsPressed) {
+    Open_Shown ();
+    events.clear ();
+    EXPECT_EQ (Press_Left (window), WINDOW_BUTTON_LEFT);
+    ASSERT_EQ (Count (WINDOW_BUTTON_DOWN), 1);
+    EXPECT_EQ (Last (WINDOW_BUTTON_DOWN)->button, WINDOW_BUTTON_LEFT);
+    EXPECT_EQ (Last (WINDOW_BUTTON_DOWN)->x, 25);
+    EXPECT_EQ (Count (WINDOW_BUTTON_UP), 1);
+}
+
+TEST_F (Win32Windows, ButtonsThatTheUserHasSwappedAreSwapped) {
+    Open_Shown ();
+    BOOL before = SwapMouseButton (TRUE);
+    EXPECT_EQ (Press_Left (window), WINDOW_BUTTON_RIGHT);
+    SwapMouseButton (before);
+}
+
 TEST_F (Win32Windows, WhatIsNoButtonOrModifierIsNotDown) {
     Open (1);
     Window_Event down = Mouse (WINDOW_BUTTON_DOWN, 1, 1, WINDOW_BUTTON_LEFT | WINDOW_BUTTON_RIGHT, 7);

@@ -217,42 +217,70 @@ static void Layout_Text_Set (Drawing_Font font, const uint32_t *characters, int 
     if (text != place) free (text);
 }
 
+static int Row_Is_Empty (const uint8_t *row, int width) {
+    for (int x = 0; x < width; x++)
+        if (row[x]) return 0;
+    return 1;
+}
+
+static int Column_Is_Empty (const uint8_t *rows, int stride, int height, int x) {
+    for (int y = 0; y < height; y++)
+        if (rows[y * stride + x]) return 0;
+    return 1;
+}
+
+// Keeps what is covered of a picture whose bottom-left pixel is at (left, bottom).
+static Mask Mask_Of (const uint8_t *rows, int stride, int left, int bottom, int width, int height) {
+    while (height && Row_Is_Empty (rows, width)) rows += stride, height--;
+    while (height && Row_Is_Empty (rows + (height - 1) * stride, width)) height--, bottom++;
+    while (height && Column_Is_Empty (rows, stride, height, 0)) rows++, left++, width--;
+    while (height && Column_Is_Empty (rows, stride, height, width - 1)) width--;
+
+    Mask mask = {left, bottom, width, height, nullptr};
+    if (height) mask.coverage = static_cast<uint8_t *> (malloc ((size_t)width * height));
+    for (int y = 0; mask.coverage && y < height; y++)
+        memcpy (mask.coverage + (size_t)y * width, rows + y * stride, (size_t)width);
+    return mask;
+}
+
 // Draws what the layout holds into a mask, as far as it lies inside of the area, which is given from the start of the base
 // line. On lack of memory nothing is covered.
 static Mask Mask_Create (Drawing_Font font, const Area *area) {
-    Mask           mask = {};
-    PangoRectangle ink;
-    pango_layout_line_get_pixel_extents (pango_layout_get_line_readonly (font->layout, 0), &ink, nullptr);
+    PangoLayoutLine *line = pango_layout_get_line_readonly (font->layout, 0);
+    PangoRectangle   ink;
+    pango_layout_line_get_pixel_extents (line, &ink, nullptr);
     // One more on each side: what is smoothed may reach beyond what is measured.
     Area drawn = Area_Meet (area, (int64_t)ink.x - 1, -(int64_t)ink.y - ink.height - 1, (int64_t)ink.x + ink.width + 1,
                             -(int64_t)ink.y + 1);
-    if (!ink.width || Area_Is_Empty (&drawn)) return mask;
+    if (!ink.width || Area_Is_Empty (&drawn)) return {};
 
     int              width = drawn.right - drawn.left, height = drawn.top - drawn.bottom;
     cairo_surface_t *surface = cairo_image_surface_create (CAIRO_FORMAT_A8, width, height);
     cairo_t         *cairo   = cairo_create (surface);
     cairo_move_to (cairo, -drawn.left, drawn.top);
-    pango_cairo_show_layout_line (cairo, pango_layout_get_line_readonly (font->layout, 0));
+    pango_cairo_show_layout_line (cairo, line);
     cairo_destroy (cairo);
     cairo_surface_flush (surface);
 
-    const uint8_t *rows = cairo_image_surface_get_data (surface);
-    if (rows)
-        mask = {drawn.left, drawn.bottom, width, height, static_cast<uint8_t *> (malloc ((size_t)width * height))};
-    for (int y = 0; mask.coverage && y < height; y++)
-        memcpy (mask.coverage + (size_t)y * width, rows + (size_t)y * cairo_image_surface_get_stride (surface),
-                (size_t)width);
+    const uint8_t *rows   = cairo_image_surface_get_data (surface);
+    int            stride = cairo_image_surface_get_stride (surface);
+    Mask           mask   = {};
+    if (rows) mask = Mask_Of (rows, stride, drawn.left, drawn.bottom, width, height);
     cairo_surface_destroy (surface);
     return mask;
 }
 
+// Two channels, 16 bits apart, divided by 255 and rounded.
+static uint32_t Divide_255 (uint32_t channels) {
+    channels += 0x800080;
+    return (channels + (channels >> 8 & 0xFF00FF)) >> 8 & 0xFF00FF;
+}
+
 static uint32_t Blend (uint32_t below, uint32_t pixel, uint32_t coverage) {
-    uint32_t result = 0;
-    for (int shift = 0; shift < 24; shift += 8) {
-        uint32_t channel = (pixel >> shift & 0xFF) * coverage + (below >> shift & 0xFF) * (255 - coverage);
-        result |= (channel + 127) / 255 << shift;
-    }
-    return result;
+    uint32_t rest     = 255 - coverage;
+    uint32_t red_blue = (pixel & 0xFF00FF) * coverage + (below & 0xFF00FF) * rest;
+    uint32_t green    = (pixel >> 8 & 0xFF) * coverage + (below >> 8 & 0xFF) * rest;
+    return Divide_255 (red_blue) | Divide_255 (green) << 8;
 }
 
 // Puts a mask whose base line starts at (x, base) into the window, inside of the area.

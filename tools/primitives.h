@@ -49,7 +49,8 @@ void Arrow (Widget *widget, int direction, int pressed, int x1, int x2, int y1, 
 // --- texts -----------------------------------------------------------------
 
 // A text in the rectangle: one line with its tabs, or with WIDGET_VERTICAL one character a line; alignment and colour by
-// flags. Cut at the left and right inset and where the rectangle ends. Texts up to 128 characters lose every "&".
+// flags. Cut at the left and right inset and where the rectangle ends; too long to be centred, it shows its beginning.
+// Texts up to 128 characters lose every "&".
 void Text (Widget *widget, Drawing_Font font, const char *text, uint32_t flags, int x, int y, int w, int h, int margin);
 
 static const int DRAW_TEXT_LIMIT = 255;     // Characters that DrawText draws at most.

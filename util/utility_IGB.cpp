@@ -36,6 +36,14 @@ static File *Open (const char *path) {
     return file;
 }
 
+// 1, or 0: then the last error says why. Some systems take the end of a file for an error; here it is none.
+static int Read (File *file, void *bytes, size_t count) {
+    int64_t got = File_Read (file, bytes, count);
+    if (got == static_cast<int64_t> (count)) return 1;
+    if (got >= 0) System_Last_Error_Set (0);
+    return 0;
+}
+
 // --- lines of an IGB header ------------------------------------------------
 
 static const int LINE_SIZE   = 80; // Bytes of a line with the one that ends it; here, with a terminating zero.
@@ -59,9 +67,8 @@ static const int BYTE_FAILED = -2;
 static int Read_Byte (File *file) {
     uint8_t byte;
     if (File_Take (file, &byte, 1)) return byte;
-    int64_t got = File_Read (file, &byte, 1);
-    if (got > 0) return byte;
-    return got < 0 ? BYTE_FAILED : BYTE_END;
+    if (Read (file, &byte, 1)) return byte;
+    return System_Last_Error () ? BYTE_FAILED : BYTE_END;
 }
 
 static Line_End Read_Line (Header_Reading *reading) {
@@ -203,8 +210,7 @@ static int Pixels_New (Image *image) {
 }
 
 static int Read_Raw (File *file, int64_t start, const Image *image) {
-    size_t bytes = Image_Bytes (image);
-    return File_Seek (file, start) && File_Read (file, image->pixels, bytes) == static_cast<int64_t> (bytes);
+    return File_Seek (file, start) && Read (file, image->pixels, Image_Bytes (image));
 }
 
 static int Load_Raw (File *file, const char *path, int64_t start, Image *image) {
@@ -266,7 +272,7 @@ File *TGA_Open (const char *path, TGA_Header *header) {
     uint8_t bytes[TGA_HEADER_SIZE];
     *header    = TGA_Header {};
     File *file = Open (path);
-    if (file && File_Read (file, bytes, sizeof bytes) == TGA_HEADER_SIZE)
+    if (file && Read (file, bytes, sizeof bytes))
         *header = {Little_Endian (bytes + 12), Little_Endian (bytes + 14), bytes[16]};
     return file;
 }
@@ -281,7 +287,7 @@ int TGA_Is_Complete (const File *file, const TGA_Header *header) {
 static int Read_Row (File *file, const TGA_Header *header, uint8_t *row) {
     size_t   bytes = static_cast<size_t> (header->width) * (header->depth / 8);
     uint8_t *from  = row + static_cast<size_t> (header->width) * TGA_PIXEL_BYTES - bytes;
-    if (File_Read (file, from, bytes) != static_cast<int64_t> (bytes)) return 0;
+    if (!Read (file, from, bytes)) return 0;
     if (header->depth == 32) return 1;
     for (int i = 0; i < header->width; i++, from += 3, row += TGA_PIXEL_BYTES) {
         memmove (row, from, 3);

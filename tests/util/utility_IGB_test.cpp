@@ -730,8 +730,9 @@ TEST_F (ImageFilesAtRandom, AreReadByTheRulesOrRefused) {
                             Of_Text ("# image\nx:3, y:1; type:short\nsup:1\n\n\n\n\n\n\n") + Counting (6),
                             Of_Text ("X:1\r\nY:1\r\nTYPE:D_complex\r\n\f") + Counting (16)};
     std::mt19937 random (20160615);
+    const int    count   = System_Separator () == '\\' ? 2000 : 20000; // Files are slow under Wine.
     int          read[2] = {0, 0}, refused[2] = {0, 0};
-    for (int i = 0; i < 20000; i++) {
+    for (int i = 0; i < count; i++) {
         Bytes file   = seeds[static_cast<size_t> (i) % std::size (seeds)];
         int   is_igb = static_cast<size_t> (i) % std::size (seeds) >= 3;
         Mutate (&file, &random);
@@ -744,7 +745,7 @@ TEST_F (ImageFilesAtRandom, AreReadByTheRulesOrRefused) {
         log.Clear ();
     }
     for (int is_igb : {0, 1}) {
-        EXPECT_GT (read[is_igb], 1000);
-        EXPECT_GT (refused[is_igb], 1000);
+        EXPECT_GT (read[is_igb], count / 20);
+        EXPECT_GT (refused[is_igb], count / 20);
     }
 }

@@ -81,6 +81,7 @@ static void Clear_Panes (void) {
 static void Drag_Separators (Window window, int x, int y) {
     int width, height;
     Window_Client_Size (window, &width, &height);
+    x = std::max (x, -FAR_RIGHT);
     if (dragged.strip) Move_Strip (y, height);
     if (dragged.left) Move_Left (x, width);
     if (dragged.right) Move_Right (x, width);
@@ -123,6 +124,7 @@ static void Release_Sliders (void) {
 
 static const int LINE_REACH = 9;  // Pixels of a band's bottom that a line takes the mouse on either side of.
 static const int BOX_LEFT   = 17; // Where the columns of the fold boxes begin.
+static const int BOX_BEFORE = 2;
 
 static View::Pane Pane_Under (Box_Widget *box, const Slider *slider) {
     return View::Pane_Of (box, slider, &Result.tree, &Result.vertical);
@@ -138,6 +140,14 @@ static int Line_Under (const View::Pane *pane, int y) { return (pane->y0 + LINE_
 
 static int Is_Line (int line) { return line >= 0 && line < Rows.visible; }
 
+// The fold box of a column begins two pixels before the column does; on the line's own box they belong to it.
+static int Column_Under (const View::Pane *pane, int line, int x) {
+    const int beside = x - pane->x0 - BOX_LEFT;
+    const int level  = Is_Line (line) ? Rows.rows[Rows_At (line)].level : 0;
+    const int before = beside - (level - 1) * VIEW_PITCH;
+    return level > 0 && before < 0 && before >= -BOX_BEFORE ? level - 1 : beside / VIEW_PITCH;
+}
+
 // The root's index 0 reads like "nothing selected", but the root turns bold.
 static void Select_Line (int line) {
     if (Rows_Select (line) || line == 0) View::Redraw_All ();
@@ -146,7 +156,7 @@ static void Select_Line (int line) {
 static int Press_Tree (Window window, int x, int y) {
     View::Pane pane = Pane_Under (&Result.tree, &Result.tree_slider);
     if (!Is_On_Lines (&pane, &Result.tree_slider, x, y)) return 0;
-    const int line = Line_Under (&pane, y), pos = (x - pane.x0 - BOX_LEFT) / VIEW_PITCH;
+    const int line = Line_Under (&pane, y), pos = Column_Under (&pane, line, x);
     Log_Message (window, LOG_TRACE4, "In box 1 line:%d pos:%d", line, pos);
     if (!Is_Line (line)) return 1;
     if (!Rows_Toggle (line, pos)) {
@@ -209,6 +219,7 @@ void View::OnMouseMove (Window window, int held) {
         Drag_Separators (window, x, y);
         return;
     }
+    if (!held) Release_Sliders ();
     const int state = held ? MOUSE_HELD : MOUSE_MOVED;
     Texts::Select (&Result.text, state);
     if (held && Is_Shown ()) Use_Sliders (state);

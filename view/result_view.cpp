@@ -104,7 +104,12 @@ uint32_t View::Row_Colour (const Row *row) {
 
 // --- panes -----------------------------------------------------------------
 
-int View::Scroll_Value (const Slider *slider) { return Text_Truncate (slider->value); }
+// Far outside of any list, and sums with it stay within an int.
+static const int SCROLL_LIMIT = 1 << 30;
+
+int View::Scroll_Value (const Slider *slider) {
+    return std::clamp (Text_Truncate (slider->value), -SCROLL_LIMIT, SCROLL_LIMIT);
+}
 
 View::Pane View::Pane_Of (Box_Widget *box, const Slider *horizontal, const Box_Widget *tree, const Slider *vertical) {
     const Widget *area   = &box->widget;

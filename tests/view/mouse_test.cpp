@@ -62,17 +62,32 @@ TEST (ViewMouse, ClickOnEveryBoxSeenFoldsItsOwnRow) {
     }
 }
 
-// Each pixel of the box's own lines, but the two leftmost ones, which the column to the left takes.
-TEST (ViewMouse, BoxIsHitInAllItsHeight) {
+TEST (ViewMouse, BoxIsHitInAllItsPixels) {
     Shown shown;
     Build_Sequences (&shown, 5);
-    for (int y = shown.Band (2) + 1; y <= shown.Band (2) + 9; y++) {
-        for (int x = 5; x <= 11; x++) {
-            const int row = Rows_At (2);
-            const int was = Is_Folded (row);
-            shown.Click (12 + x, y);
-            EXPECT_NE (was, Is_Folded (row)) << x << " " << y;
+    shown.Unfold_All ();
+    for (int level : {1, 2}) { // A sequence and its item.
+        const int line = 3 + level;
+        for (int y = shown.Band (line) + 1; y <= shown.Band (line) + 9; y++) {
+            for (int x = 3; x <= 11; x++) {
+                const int row = Rows_At (line), was = Is_Folded (row);
+                shown.Click (12 + 18 * (level - 1) + x, y);
+                EXPECT_NE (was, Is_Folded (row)) << level << " " << x << " " << y;
+            }
         }
+        shown.Unfold_All ();
+    }
+}
+
+TEST (ViewMouse, ColumnEndsWhereTheNextBegins) {
+    Shown shown;
+    Build_Sequences (&shown, 5);
+    Log_Recorder log (4);
+    const struct { int x, pos; } places[] = {{1, 0}, {12 + 22, 0}, {12 + 23, 1}, {12 + 40, 1}, {12 + 41, 2}};
+    for (const auto &place : places) {
+        log.Clear ();
+        shown.Click (place.x, Box_Y (shown, 1));
+        EXPECT_EQ (1, log.Count (LOG_TRACE4, "In box 1 line:1 pos:" + std::to_string (place.pos))) << place.x;
     }
 }
 
@@ -275,6 +290,17 @@ TEST (ViewMouse, ThumbOfTheVerticalSliderScrollsAllPanes) {
     EXPECT_FALSE (Result.vertical.drag);
     shown.Move (x, slider.y + slider.h);
     EXPECT_EQ (Result.vertical.maximum, Result.vertical.value);
+}
+
+TEST (ViewMouse, MoveWithoutButtonLetsTheThumbGo) {
+    Shown shown (900, 500);
+    shown.Many (LONG_LIST);
+    const Widget &slider = Result.vertical.widget;
+    shown.Press (slider.x + 8, slider.y + slider.h - 30);
+    ASSERT_TRUE (Result.vertical.drag);
+    View::OnMouseMove (shown.window, 0);
+    EXPECT_FALSE (Result.vertical.drag);
+    shown.Release (0, 0);
 }
 
 TEST (ViewMouse, HorizontalSlidersScrollTheirPane) {

@@ -310,6 +310,41 @@ TEST (ResultView, ExitReleasesAllMemory) {
     EXPECT_EQ (before, Memory_Live ());
 }
 
+TEST (ResultView, WithoutMemoryNothingIsLost) {
+    Shown shown;
+    shown.Many (5);
+    View::ResetView (shown.window);
+    const long before = Memory_Live ();
+    int        failed = 1, n = 0;
+    while (failed) {
+        Log_Recorder log (1);
+        Memory_Fail_At (++n);
+        View::ResetView (shown.window);
+        failed = Memory_Failed ();
+        Memory_Fail_At (0);
+        EXPECT_TRUE (!failed || log.Contains ("memory error") || log.Contains ("failed in new")) << n;
+        View::ResetView (shown.window);
+        EXPECT_EQ (before, Memory_Live ()) << n;
+    }
+    EXPECT_GT (n, 1);
+    Watched watched;
+    View::Redraw_All ();
+    EXPECT_EQ (1, watched.Count ("(0009,0004)"));
+}
+
+TEST (ResultView, ScrollValuesOutsideOfAllLinesAreHarmless) {
+    Shown shown;
+    shown.Many (5);
+    View::Redraw_All (); // Makes the fonts.
+    for (float value : {NAN, -INFINITY, INFINITY, 1e30f, -1e30f}) {
+        Watched watched;
+        Result.tree_slider.value = value;
+        shown.Scroll (value);
+        EXPECT_EQ (0, watched.Count ("(0009,0004)")) << value;
+        EXPECT_EQ (3, watched.Count (Device::CALL_END)) << value;
+    }
+}
+
 TEST (ResultView, WithoutWindowNothingIsDrawn) {
     Rows_Build (nullptr, nullptr);
     Rows_Layout ();

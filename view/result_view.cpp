@@ -104,8 +104,7 @@ uint32_t View::Row_Colour (const Row *row) {
 
 // --- panes -----------------------------------------------------------------
 
-// Far outside of any list, and sums with it stay within an int.
-static const int SCROLL_LIMIT = 1 << 30;
+static const int SCROLL_LIMIT = 1 << 30; // Far outside of any list.
 
 int View::Scroll_Value (const Slider *slider) {
     return std::clamp (Text_Truncate (slider->value), -SCROLL_LIMIT, SCROLL_LIMIT);
@@ -256,7 +255,7 @@ static Box_Widget *const    boxes[]      = {&Result.tree, &Result.description, &
 static Slider *const        sliders[]    = {&Result.vertical, &Result.tree_slider, &Result.description_slider,
                                             &Result.value_slider};
 
-void View::Draw_All (Window) {
+void View::Draw_All (void) {
     if (Limit_Is_Passed ()) return;
     for (Button_Widget *separator : separators) Button::Draw (separator);
     for (Box_Widget *box : boxes) Box::Draw (box);
@@ -265,10 +264,10 @@ void View::Draw_All (Window) {
     Redraw_All ();
 }
 
-void View::ResetView (Window window) {
+void View::ResetView (Window) {
     Separators_Forget ();
     for (Button_Widget *separator : separators) separator->look.hover = HOVER_NORMAL;
-    Draw_All (window);
+    Draw_All ();
 }
 
 void View::Exit (void) {

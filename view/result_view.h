@@ -85,7 +85,7 @@ static const int FATAL_EXIT = 3;    // The program's exit code then.
 
 void Exit (void);                   // Releases fonts and widgets, for a new window.
 
-// --- for tests -------------------------------------------------------------
+// --- fonts -----------------------------------------------------------------
 
 enum View_Font { FONT_REGULAR, FONT_BOLD, FONT_FIXED, FONT_FIXED_BOLD, FONT_COUNT };
 Drawing_Font Font (View_Font font);     // Borrowed; none before the first Redraw.

@@ -16,7 +16,7 @@ struct Pane {
     int         left, bottom, right, top;   // Pixels of the pane without the strips of its sliders; right, top left out.
 };
 
-// None of the pane's own when height is that of another box: the lines seen are those of the tree pane in all three.
+// Which lines are seen is decided by the tree pane's height for all three.
 Pane Pane_Of (Box_Widget *box, const Slider *horizontal, const Box_Widget *tree, const Slider *vertical);
 
 inline int Band_Bottom (const Pane *pane, int line) { return pane->y0 - VIEW_PITCH * line; }
@@ -24,7 +24,7 @@ inline int Band_Bottom (const Pane *pane, int line) { return pane->y0 - VIEW_PIT
 // Inside a session: what lies below the heading.
 void Clip_Lines (const Pane *pane);
 
-// A horizontal slider's value in whole pixels; also that of the vertical one.
+// A slider's value in whole pixels, within bounds that any sum of it stays in an int.
 int Scroll_Value (const Slider *slider);
 
 inline int Is_Hidden (const Slider *slider) { return (slider->widget.state & WIDGET_HIDDEN) != 0; }
@@ -56,6 +56,6 @@ void Set_Ranges (void);     // SetScrollRanges of Result's own widgets.
 
 // --- separators ------------------------------------------------------------
 
-void Separators_Forget (void);      // No drag is on, and the cursor is no longer the view's.
+void Separators_Forget (void);      // No drag is on.
 
 }

@@ -10,6 +10,7 @@
 #include "attribute/NEMA_Tag_Complement.h"
 #include "attribute/NEMA_Tag_Copy.h"
 #include "attribute/listing.h"
+#include "attribute/value.h"
 #include "compare/attribute_comparison.h"
 #include "compare/difference_list.h"
 #include "compare/file_reader.h"
@@ -101,6 +102,15 @@ static void Merge_Side (Window window, SequenceCursor *cursor, const Attribute *
     DICOM_Attribute_Copy (window, cursor, &Comparison_Last.merged, list);
 }
 
+// From here on the data of a merged record are the text that the walk writes, or none: a record that the walk doesn't find,
+// or has no memory for, must not show bytes that end nowhere. The lengths stay.
+static void Values_Release (Attribute *list) {
+    for (Attribute *record = list; record; record = record->next) {
+        Value_Release (record);
+        for (int32_t i = 0; i < record->nb_item; i++) Values_Release (record->item[i]);
+    }
+}
+
 // Every tag of both files, or of the file and its definition; the values are shared, not copied.
 static void Merge (Window window, SequenceCursor *cursor, const Attribute *list_a, const Attribute *list_b,
                    Attribute *definition, bool two_files) {
@@ -115,6 +125,7 @@ static void Merge (Window window, SequenceCursor *cursor, const Attribute *list_
     }
     Trace_List (window, cursor, Comparison_Last.merged,
                 "-----                       Stool DICOM Merge                            ----- ");
+    Values_Release (Comparison_Last.merged);
 }
 
 static int Walk (Window window, SequenceCursor *cursor, Attribute *list_a, Attribute *list_b, Attribute *definition,

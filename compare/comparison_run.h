@@ -9,7 +9,7 @@ static const int COMPARISON_FAILED = -3;
 struct Comparison {
     char      *Name_File_A;     // Owned; none for an empty name.
     char      *Name_File_B;
-    Attribute *merged;          // Owned: every tag of both sides with its difference code.
+    Attribute *merged;          // Owned: every tag of both sides with its difference code. data is a C text, or none.
 };
 
 extern Comparison Comparison_Last;

@@ -435,6 +435,34 @@ TEST (ComparisonRun, TitleWithoutMemoryLeavesRowsWithoutTitle) {
     EXPECT_EQ (2, told);
 }
 
+// --- merged values ---------------------------------------------------------
+
+// Texts and their blocks are owned, values of the file would be shared bytes without an end.
+static void Expect_Texts (const Attribute *list, const char *part) {
+    for (const Attribute *record = list; record; record = record->next) {
+        const char *text = reinterpret_cast<const char *> (record->data);
+        EXPECT_TRUE (!text || strstr (text, part)) << record->group;
+        for (int32_t i = 0; i < record->nb_item; i++) Expect_Texts (record->item[i], part);
+    }
+}
+
+TEST (ComparisonRun, MergedDataAreTextsOrNone) {
+    Dictionary_Build (nullptr);
+    int without = 0;
+    for (long n = 0, failed = 1; failed; n++) {
+        Pair_Run     run;
+        Log_Recorder log;
+        run.Write (File_Of ("Doe^John"), File_Of ("Doe^Jane", 2));
+        Memory_Fail_At (n);
+        run.Run (0);
+        failed = !n || Memory_Failed ();
+        Memory_Fail_At (0);
+        Expect_Texts (Comparison_Last.merged, " /vs/ ");
+        if (log.Count (LOG_ERROR, "(var=tag->data)")) without++;
+    }
+    EXPECT_LT (4, without);
+}
+
 // --- failures --------------------------------------------------------------
 
 TEST (ComparisonRun, MemoryFailureForANameEndsTheRun) {

@@ -15,8 +15,6 @@
 #include "util/text.h"
 #include "view/result_view.h"
 
-static const uint32_t WINDOW_COLOUR = Drawing_Colour (170, 170, 170);
-
 static const int COORDINATE_LIMIT = 32000; // Of widgets, which hold 16 bits.
 
 static Window           shown; // None before the create event and after the destroy event.
@@ -122,14 +120,18 @@ static void Start_Values_Set (void) {
     if (!Result.right) Result.right = LAYOUT_RIGHT;
 }
 
+static const int LEFT_ROOM  = 38; // That the vertical separators leave to the right of them, as when they are dragged.
+static const int RIGHT_ROOM = 18;
+static const int GAP        = 18; // Between them.
+
 // A separator of a window that has become too small for it is drawn, and can be taken, at the last place that it could be
 // dragged to. Its own place isn't forgotten.
 static int Kept_Inside (int place, int highest) { return std::max (LAYOUT_SEPARATOR, std::min (place, highest)); }
 
 static void Panes_Place (Window window, int width, int top) {
     static const int S     = LAYOUT_SEPARATOR;
-    int              left  = Kept_Inside (Result.left, width - 38);
-    int              right = std::max (left + 18, Kept_Inside (Result.right, width - 18));
+    int              left  = Kept_Inside (Result.left, width - LEFT_ROOM);
+    int              right = std::max (left + GAP, Kept_Inside (Result.right, width - RIGHT_ROOM));
     Box_Place (window, &Result.tree, {0, 0, std::min (left, width - 1), top});
     Box_Place (window, &Result.description, {left + S, 0, std::min (right, width - 1), top});
     Box_Place (window, &Result.value, {right + S, 0, width - 1, top});
@@ -370,7 +372,7 @@ Window Main_Window_Create (const Main_Window_Place *place, const Settings *borro
     description.y                  = place->y;
     description.width              = place->width;
     description.height             = place->height;
-    description.background         = WINDOW_COLOUR;
+    description.background         = Widget_Colour (EDGE_COLOUR);
     description.procedure          = Main_Window_Procedure;
     description.accept_drops       = 1;
     description.off_screen         = test_loop != nullptr;

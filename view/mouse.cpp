@@ -87,7 +87,7 @@ static void Drag_Separators (Window window, int x, int y) {
     if (dragged.right) Move_Right (x, width);
     if (lay_out) lay_out (window, width, height);
     Clear_Panes ();
-    View::Draw_All ();
+    View::Draw_All (window);
 }
 
 // All that lie under the pointer, so that a crossing moves both.

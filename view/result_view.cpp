@@ -255,7 +255,7 @@ static Box_Widget *const    boxes[]      = {&Result.tree, &Result.description, &
 static Slider *const        sliders[]    = {&Result.vertical, &Result.tree_slider, &Result.description_slider,
                                             &Result.value_slider};
 
-void View::Draw_All (void) {
+void View::Draw_All (Window) {
     if (Limit_Is_Passed ()) return;
     for (Button_Widget *separator : separators) Button::Draw (separator);
     for (Box_Widget *box : boxes) Box::Draw (box);
@@ -264,10 +264,10 @@ void View::Draw_All (void) {
     Redraw_All ();
 }
 
-void View::ResetView (Window) {
+void View::ResetView (Window window) {
     Separators_Forget ();
     for (Button_Widget *separator : separators) separator->look.hover = HOVER_NORMAL;
-    Draw_All ();
+    Draw_All (window);
 }
 
 void View::Exit (void) {

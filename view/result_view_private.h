@@ -52,7 +52,7 @@ int Limit_Is_Passed (void);
 
 // --- sliders ---------------------------------------------------------------
 
-void Set_Ranges (void);     // SetScrollRanges of Result's own widgets.
+void Set_Ranges (void);             // SetScrollRanges of Result's own widgets.
 
 // --- separators ------------------------------------------------------------
 

@@ -36,12 +36,12 @@ static File *Open (const char *path) {
     return file;
 }
 
-// 1, or 0: then the last error says why. Some systems take the end of a file for an error; here it is none.
+// 1, or 0: then the last error says why. Some systems count the end of a file as an error, even when only the buffer
+// reached it; here it is none.
 static int Read (File *file, void *bytes, size_t count) {
     int64_t got = File_Read (file, bytes, count);
-    if (got == static_cast<int64_t> (count)) return 1;
     if (got >= 0) System_Last_Error_Set (0);
-    return 0;
+    return got == static_cast<int64_t> (count);
 }
 
 // --- lines of an IGB header ------------------------------------------------

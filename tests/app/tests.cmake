@@ -6,3 +6,14 @@ if (NOT WIN32)
 endif ()
 tagwright_test (app ${app_tests})
 add_dependencies (app_test tagwright)
+
+# The program on a screen of the test's own, used by drops, mouse and keys.
+if (NOT WIN32)
+    add_test (NAME main_window COMMAND
+        xvfb-run -a -s "-screen 0 1280x1024x24 -nolisten tcp" ${CMAKE_CURRENT_SOURCE_DIR}/scripts/main-window-test.sh
+        $<TARGET_FILE:tagwright> $<TARGET_FILE:x11_client> ${PROJECT_SOURCE_DIR}/examples)
+    set_tests_properties (main_window PROPERTIES LABELS display TIMEOUT 300)
+    if (TAGWRIGHT_SANITIZE)
+        set_tests_properties (main_window PROPERTIES ENVIRONMENT "LSAN_OPTIONS=${leak_options}")
+    endif ()
+endif ()

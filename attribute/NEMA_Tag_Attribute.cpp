@@ -265,8 +265,13 @@ Attribute *DICOM_Attribute_Find_Or_Insert (Window window, SequenceCursor *cursor
     Attribute *first    = *place;
     Attribute *previous = nullptr; // The last record that is not greater, or the first one.
     if (first) {
-        previous = first->unordered ? first : List_Search_Start (first, group, element);
-        while (previous->next && Tag_Compare_To (previous->next, group, element) <= 0) previous = previous->next;
+        previous       = first->unordered ? first : List_Search_Start (first, group, element);
+        Attribute *run = previous; // The first record with the tag of previous.
+        while (previous->next && Tag_Compare_To (previous->next, group, element) <= 0) {
+            previous = previous->next;
+            if (Tag_Compare_To (previous, run->group, run->element) != 0) run = previous;
+        }
+        if (!first->unordered) first->seek = run;
         if (Tag_Compare_To (previous, group, element) == 0) return previous;
     }
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 #include "attribute/NEMA_Tag_Attribute.h"
 #include "attribute/value.h"
 #include "tables/data_dictionary.h"
@@ -411,4 +413,34 @@ TEST (NemaTagCopy, FailuresNameWhatCouldNotGrow) {
     Memory_Fail_At (2);
     EXPECT_EQ (0, Copy_List (&empty, &items));
     EXPECT_TRUE (log.Contains ("of NEMA_Tag_Copy \nmemory error in realloc (var=target->item, dim=2x8)"));
+}
+
+// The second file of a comparison finds each of its tags in the merged list.
+TEST (NemaTagCopy, TagsThatAreThereAreFoundInLinearTime) {
+    Test_List source, merged;
+    for (int i = 0; i < 60000; i++) {
+        source.Add (0x0010, static_cast<uint16_t> (i));
+        merged.Add (0x0010, static_cast<uint16_t> (i));
+    }
+    merged.Reset ();
+    auto start = std::chrono::steady_clock::now ();
+    EXPECT_EQ (1, DICOM_Attribute_Copy (nullptr, &merged.cursor, &merged.first, source.first));
+    EXPECT_GT (std::chrono::milliseconds (1500), std::chrono::steady_clock::now () - start);
+    int count = 0;
+    for (const Attribute *record = merged.first; record; record = record->next) count++;
+    EXPECT_EQ (60000, count);
+}
+
+// The hint that the search leaves stands at the first of several records with one tag.
+TEST (NemaTagCopy, SearchBehindEqualTagsFindsTheFirstOne) {
+    Test_List  list;
+    Attribute *first = list.Add (0x0010, 0x0010), *second = list.Add (0x0010, 0x0020);
+    list.Add (0x0010, 0x0020);
+    list.Add (0x0010, 0x0030);
+    list.Reset ();
+    DICOM_Attribute_Find_Or_Insert (nullptr, &list.cursor, &list.first, 0x0010, 0x0020);
+    EXPECT_EQ (second, DICOM_Attribute_Get (nullptr, &list.cursor, list.first, 0x0010, 0x0020, 0));
+    DICOM_Attribute_Find_Or_Insert (nullptr, &list.cursor, &list.first, 0x0010, 0x0030);
+    EXPECT_EQ (second, DICOM_Attribute_Get (nullptr, &list.cursor, list.first, 0x0010, 0x0020, 0));
+    EXPECT_EQ (first, DICOM_Attribute_Get (nullptr, &list.cursor, list.first, 0x0010, 0x0010, 0));
 }

@@ -7,11 +7,12 @@ endif ()
 tagwright_test (app ${app_tests})
 add_dependencies (app_test tagwright)
 
-# The program on a screen of the test's own, used by drops, mouse and keys.
+# The program on a screen of the test's own, used by drops, mouse and keys; large enough for a window
+# that is larger than its content.
 if (NOT WIN32)
     add_test (NAME main_window COMMAND
-        xvfb-run -a -s "-screen 0 1280x1024x24 -nolisten tcp" ${CMAKE_CURRENT_SOURCE_DIR}/scripts/main-window-test.sh
-        $<TARGET_FILE:tagwright> $<TARGET_FILE:x11_client> ${PROJECT_SOURCE_DIR}/examples)
+        xvfb-run -a -s "-screen 0 2100x1150x24 -nolisten tcp" ${CMAKE_CURRENT_SOURCE_DIR}/scripts/main-window-test.sh
+        $<TARGET_FILE:tagwright> $<TARGET_FILE:x11_client> ${PROJECT_BINARY_DIR}/pictures)
     set_tests_properties (main_window PROPERTIES LABELS display TIMEOUT 300)
     if (TAGWRIGHT_SANITIZE)
         set_tests_properties (main_window PROPERTIES ENVIRONMENT "LSAN_OPTIONS=${leak_options}")

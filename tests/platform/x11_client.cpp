@@ -4,9 +4,12 @@
 //                                        text of the TYPE, such as text/uri-list with an address on each line
 //   x11_client leave WINDOW              begins to drag something over the window, and is gone
 //   x11_client map KEYCODE KEYSYM        makes a key of the keyboard stand for a character, until the server ends
+//   x11_client count WINDOW X Y W H RGB  how many pixels of a part of the window have this colour (six hexadecimal digits);
+//                                        y downwards; the window must be seen whole
 // Ends with 0 when the window has taken it.
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
+#include <X11/Xutil.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -100,6 +103,30 @@ static int Map (int code, unsigned long symbol) {
     return 0;
 }
 
+// --- screen ----------------------------------------------------------------
+
+struct Part {
+    int      x, y;
+    unsigned w, h;
+};
+
+static int Count (Window window, const Part &part, unsigned long colour) {
+    XImage *image = XGetImage (display, window, part.x, part.y, part.w, part.h, AllPlanes, ZPixmap);
+    if (!image) return 1;
+    int count = 0;
+    for (int y = 0; y < image->height; y++)
+        for (int x = 0; x < image->width; x++) count += (XGetPixel (image, x, y) & 0xFFFFFF) == colour;
+    XDestroyImage (image);
+    printf ("%d\n", count);
+    return 0;
+}
+
+static int Number (const char *word) { return static_cast<int> (strtol (word, nullptr, 10)); }
+
+static Part Part_Of (char **words) {
+    return {Number (words[0]), Number (words[1]), (unsigned)Number (words[2]), (unsigned)Number (words[3])};
+}
+
 int main (int count, char **words) {
     alarm (TIMEOUT);
     display = XOpenDisplay (nullptr);
@@ -110,6 +137,8 @@ int main (int count, char **words) {
     if (!strcmp (words[1], "close")) result = Close (window);
     if (!strcmp (words[1], "leave")) result = Leave (window);
     if (!strcmp (words[1], "drop") && count == 5) result = Drop (window, words[3], words[4]);
+    if (!strcmp (words[1], "count") && count == 8)
+        result = Count (window, Part_Of (words + 3), strtoul (words[7], nullptr, 16));
     XCloseDisplay (display);
     return result;
 }

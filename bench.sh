@@ -1,17 +1,26 @@
 #!/usr/bin/env bash
 # Measures speed and memory of the optimised program, as ratios against a peer in the same run. Not part of the tests.
-# usage: ./bench.sh [folder for the files, 3 GB; default build/bench]
+# usage: ./bench.sh [folder for the files, 5 GB; default build/bench]            the program by itself
+#        ./bench.sh compare [folder [argument of bench/compare.py...]]          against cmp and other programs
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 "$root/scripts/install-packages.sh" build bench
 build=$root/build/bench-build
 log=$root/build/bench.log
 mkdir -p "$root/build"
+what=all
+[ "${1:-}" != compare ] || { what=compare; shift; }
 cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTAGWRIGHT_TESTS=OFF >"$log" 2>&1 &&
   cmake --build "$build" --target tagwright make_pairs assemble view_bench >>"$log" 2>&1 || { cat "$log"; exit 1; }
 files=${1:-$root/build/bench}
-mkdir -p "$files"
+mkdir -p "$files" "$build/user"
 export APPDATA=$build/user          # The first of the runs copies the definition tables there.
+
+if [ $what = compare ]; then
+  [ $# -eq 0 ] || shift
+  "$build/tagwright" "$root/examples/ct_a.dcm" "$root/examples/ct_a.dcm"
+  exec python3 "$root/bench/compare.py" "$build/tagwright" "$build/bench/make_pairs" "$files" "$@"
+fi
 
 pair() {    # pair KIND NUMBER: writes the pair once
   [ -f "$files/$1_$2_b.dcm" ] || "$build/bench/make_pairs" "$files" "$1" "$2"

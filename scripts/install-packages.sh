@@ -20,7 +20,7 @@ packages_of () {
       echo "googletest g++-mingw-w64-x86-64-posix wine64 wine python3 python3-pydicom dcmtk procps xvfb xauth"
       echo "imagemagick xdotool x11-apps libx11-dev"
       ;;
-    bench) echo "hyperfine time diffutils" ;;
+    bench) echo "hyperfine time diffutils python3 dcmtk libgdcm-tools" ;;
     format) echo "clang-format" ;;
     *) usage ;;
   esac

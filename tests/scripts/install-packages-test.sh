@@ -51,7 +51,7 @@ machine 0 g++ ninja-build $window
 run build bench
 [ $status -eq 0 ] || fail "installing as root: $status ($output)"
 case "$calls" in
-  "apt-get noninteractive update"*"apt-get noninteractive install -y --no-install-recommends cmake hyperfine time diffutils") ;;
+  "apt-get noninteractive update"*"apt-get noninteractive install -y --no-install-recommends cmake hyperfine time diffutils python3 dcmtk libgdcm-tools") ;;
   *) fail "calls as root: $calls" ;;
 esac
 case "$output" in *"installing cmake hyperfine time diffutils"*) ;; *) fail "does not say what it does: $output" ;; esac

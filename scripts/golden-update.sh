@@ -24,5 +24,5 @@ for target in "${targets[@]}"; do
     echo "golden-update.sh: $target has failures" >&2
 done
 
-changed=$(git status --short --untracked-files=all tests/golden)
+changed=$(git status --short --untracked-files=all tests/golden docs/screenshot-*.png)
 echo "${changed:-no picture changed}"

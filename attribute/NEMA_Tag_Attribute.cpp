@@ -166,15 +166,23 @@ static int Tag_Is (const Attribute *attribute, uint16_t group, uint16_t element)
     return (group == TAG_ANY || attribute->group == group) && (element == TAG_ANY || attribute->element == element);
 }
 
+static const char *const GET_TRACE = "in DICOM_Attribute_Get(%04x,%04x)";
+
 Attribute *DICOM_Attribute_Get (Window window, SequenceCursor *cursor, Attribute *first, uint16_t group,
                                 uint16_t element, int) {
-    Attribute **place = Descend (window, cursor, &first, "in DICOM_Attribute_Get(%04x,%04x)", group, element);
-    if (!place || !*place) return nullptr;
-    if (group != TAG_ANY && element != TAG_ANY) return List_Find (*place, group, element);
+    if (group != TAG_ANY && element != TAG_ANY)
+        return DICOM_Attribute_Get_Exact (window, cursor, first, group, element);
 
-    Attribute *record = *place;
+    Attribute **place  = Descend (window, cursor, &first, GET_TRACE, group, element);
+    Attribute  *record = place ? *place : nullptr;
     while (record && !Tag_Is (record, group, element)) record = record->next;
     return record;
+}
+
+Attribute *DICOM_Attribute_Get_Exact (Window window, SequenceCursor *cursor, Attribute *first, uint16_t group,
+                                      uint16_t element) {
+    Attribute **place = Descend (window, cursor, &first, GET_TRACE, group, element);
+    return place && *place ? List_Find (*place, group, element) : nullptr;
 }
 
 int DICOM_Attribute_Tag_Match (const char *pattern_group, const char *pattern_element, uint16_t group,
@@ -288,7 +296,7 @@ Attribute *DICOM_Attribute_Find_Or_Insert (Window window, SequenceCursor *cursor
 // --- changing --------------------------------------------------------------
 
 static void Set_Type_One (Window window, SequenceCursor *cursor, Attribute *reference_first, Attribute *record) {
-    Attribute *reference = DICOM_Attribute_Get (window, cursor, reference_first, record->group, record->element, 0);
+    Attribute *reference = DICOM_Attribute_Get_Exact (window, cursor, reference_first, record->group, record->element);
     if (reference) {
         record->type = reference->type;
         if (!record->vr) record->vr = reference->vr;

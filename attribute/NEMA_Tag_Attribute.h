@@ -12,6 +12,10 @@
 Attribute *DICOM_Attribute_Get (Window window, SequenceCursor *cursor, Attribute *first, uint16_t group, uint16_t element,
                                 int ignored);
 
+// The same for the tag of a record: a file may hold tags whose group or element is TAG_ANY, and each is itself only.
+Attribute *DICOM_Attribute_Get_Exact (Window window, SequenceCursor *cursor, Attribute *first, uint16_t group,
+                                      uint16_t element);
+
 // The place of the current item's list one level below first's list, or none. The last argument has no effect.
 Attribute **DICOM_Attribute_Item_Slot (Window window, SequenceCursor *cursor, Attribute *first, int ignored);
 

@@ -113,7 +113,7 @@ static void Creators_Gather (Window window, Creators *creators, Attribute *first
 static Attribute *Creator_Find (Window window, const Creators *creators, uint16_t group, uint16_t element) {
     if (creators->slots) return *Creator_Slot (creators, group, element);
     SequenceCursor top = {}; // Of its own: from where the walk stands, looking would create sequences.
-    return DICOM_Attribute_Get (window, &top, creators->first, group, element, 0);
+    return DICOM_Attribute_Get_Exact (window, &top, creators->first, group, element);
 }
 
 // The name that a creator's value holds, up to its first zero byte and without blanks around it.

@@ -314,7 +314,7 @@ int Diff_Attribute (Window window, SequenceCursor *cursor, Attribute *merged, At
     if (!a && !b) return 0;
 
     const Attribute *tag        = a ? a : b;
-    Attribute       *record     = DICOM_Attribute_Get (window, cursor, merged, tag->group, tag->element, 0);
+    Attribute       *record     = DICOM_Attribute_Get_Exact (window, cursor, merged, tag->group, tag->element);
     Difference       difference = {DIFFERENCE_SKIPPED, 0, 0};
     char             pair[PAIR_TEXT_SIZE];
 
@@ -344,7 +344,7 @@ int Modality_Diff_Attribute (Window window, SequenceCursor *cursor, Attribute *m
     if (!a && !d) return 0;
 
     const Attribute *tag    = a ? a : d;
-    Attribute       *record = DICOM_Attribute_Get (window, cursor, merged, tag->group, tag->element, 0);
+    Attribute       *record = DICOM_Attribute_Get_Exact (window, cursor, merged, tag->group, tag->element);
     if (record) {
         char text[PAIR_TEXT_SIZE] = "";
         if (a) snprintf (text, sizeof text, "       %-.*s", VALUE_COLUMN, Value_Text (window, a));

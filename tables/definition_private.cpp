@@ -80,7 +80,7 @@ static Attribute *Private_Find (Window window, Attribute *list, const Attribute 
     uint16_t       low     = attribute->element & 0xFF;
     const uint16_t tries[] = {attribute->element, low, static_cast<uint16_t> (0x1000 + low)};
     for (uint16_t element : tries) {
-        Attribute *found = DICOM_Attribute_Get (window, &cursor, list, attribute->group, element, 0);
+        Attribute *found = DICOM_Attribute_Get_Exact (window, &cursor, list, attribute->group, element);
         if (found) return found;
     }
     return nullptr;

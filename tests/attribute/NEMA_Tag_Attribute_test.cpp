@@ -32,6 +32,19 @@ TEST (NemaTagAttribute, WildcardsFindTheFirstRecord) {
     EXPECT_EQ (nullptr, Get (&list, 0x0012, TAG_ANY));
 }
 
+// Tags as a file may hold them.
+TEST (NemaTagAttribute, TheTagOfARecordMatchesNoOther) {
+    Test_List list;
+    EXPECT_EQ (nullptr, DICOM_Attribute_Get_Exact (nullptr, &list.cursor, nullptr, TAG_ANY, TAG_ANY));
+    list.Add (0x0008, 0x0016);
+    list.Add (0x0011, 0x0010);
+    for (auto &tag : {std::pair<uint16_t, uint16_t> {0x0011, 0xFFFF}, {0xFFFF, 0x0010}, {0xFFFF, 0xFFFF}}) {
+        EXPECT_EQ (nullptr, DICOM_Attribute_Get_Exact (nullptr, &list.cursor, list.first, tag.first, tag.second));
+        Attribute *added = list.Add (tag.first, tag.second);
+        EXPECT_EQ (added, DICOM_Attribute_Get_Exact (nullptr, &list.cursor, list.first, tag.first, tag.second));
+    }
+}
+
 TEST (NemaTagAttribute, OfEqualTagsTheFirstIsFoundWhateverWasSearchedBefore) {
     Test_List  list;
     Attribute *one = list.Add (0x0008, 0x0016);
@@ -432,6 +445,20 @@ TEST (NemaTagAttribute, TypesComeFromTheReferenceAtEveryDepth) {
     EXPECT_EQ (VR_SH, list.first->next->item[0]->vr);
     EXPECT_EQ (VR_LO, list.first->next->item[1]->vr);
     EXPECT_EQ (0, list.cursor.depth);
+}
+
+TEST (NemaTagAttribute, TypesComeFromTheSameTagOnly) {
+    Test_List  reference, list;
+    Attribute *described = reference.Add (0x0011, 0x0010, "LO");
+    described->type      = Code ('1', ' ');
+    described->vr        = VR_LO;
+    list.Add (0x0011, 0xFFFF);
+    list.Add (0xFFFF, 0xFFFF);
+    DICOM_Attribute_Set_Type (nullptr, &list.cursor, reference.first, list.first);
+    for (const Attribute *record = list.first; record; record = record->next) {
+        EXPECT_EQ (0, record->type);
+        EXPECT_EQ (0, record->vr);
+    }
 }
 
 TEST (NemaTagAttribute, SettingTypesCreatesNothingInTheReference) {

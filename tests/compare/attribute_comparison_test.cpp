@@ -1,6 +1,8 @@
 #include "compare/attribute_comparison.h"
 
 #include <gtest/gtest.h>
+#include <string.h>
+
 #include <vector>
 
 #include "attribute/NEMA_Tag_Attribute.h"
@@ -583,6 +585,63 @@ TEST (AttributeComparison, TagThatTheMergedListLacksStillCounts) {
     EXPECT_EQ (1, log.Count (LOG_AUDIT));
     EXPECT_EQ (1, sides.Modality ());
     EXPECT_EQ (nullptr, sides.merged.first->next);
+}
+
+// A file may hold tags whose numbers match anything in look-ups; they are told apart like all others, at every depth.
+static const uint16_t ALL_BITS[][2] = {{0x0011, 0xFFFF}, {0xFFFF, 0x0010}, {0xFFFF, 0xFFFF}};
+
+static void Add_All_Bits (Tree *tree, const char *value) {
+    tree->Text (0x0008, 0x0100, "SH", "same");
+    tree->Text (0x0010, 0x0010, "PN", "same");
+    tree->Text (0x0011, 0x0010, "LO", "same");
+    for (auto &tag : ALL_BITS) tree->Text (tag[0], tag[1], "LO", value);
+}
+
+static Attribute *All_Bits_Record (Attribute *list, int index) {
+    while (list && (list->group != ALL_BITS[index][0] || list->element != ALL_BITS[index][1])) list = list->next;
+    return list;
+}
+
+TEST (AttributeComparison, TagsOfAllBitsAreMarkedThemselves) {
+    for (bool modality : {false, true}) {
+        Log_Recorder log;
+        Sides        sides;
+        for (Tree *side : {&sides.a, &sides.b}) {
+            side->Open (0x0008, 0x0096);
+            side->Item ();
+            Add_All_Bits (side, side == &sides.a ? "one " : "two ");
+            side->Close ();
+            Add_All_Bits (side, side == &sides.a ? "one " : "two ");
+        }
+        sides.Merge ();
+        EXPECT_EQ (modality ? 13 : 6, modality ? sides.Modality () : sides.Diff ());
+        int same = modality ? DIFFERENCE_FILE_AND_DEFINITION : DIFFERENCE_NONE;
+        int own  = modality ? DIFFERENCE_FILE_AND_DEFINITION : DIFFERENCE_BYTES;
+        for (Attribute *list : {sides.merged.first, sides.merged.first->item[0]}) {
+            for (int i = 0; i < 3; i++) {
+                Attribute *record = All_Bits_Record (list, i);
+                ASSERT_NE (nullptr, record);
+                EXPECT_EQ (own, record->flags) << i;
+                EXPECT_NE (nullptr, strstr (reinterpret_cast<char *> (record->data), "\"one \""));
+            }
+            for (Attribute *record = list; record->group != 0x0011; record = record->next)
+                EXPECT_EQ (same, record->flags) << std::hex << record->group;
+        }
+    }
+}
+
+// An entry that only the definition has is blue, and no difference for what is around it.
+TEST (AttributeComparison, TagOfAllBitsInTheDefinitionOnly) {
+    Log_Recorder log;
+    Sides        sides;
+    sides.a.Text (0x0010, 0x0010, "PN", "A^");
+    sides.b.Text (0x0010, 0x0010, "PN", "");
+    Attribute *entry = sides.b.Text (0xFFFF, 0xFFFF, "", "");
+    entry->flags     = ORIGIN_MODULE;
+    sides.Merge ();
+    EXPECT_EQ (1, sides.Modality ());
+    EXPECT_EQ (DIFFERENCE_FILE_AND_DEFINITION, sides.merged.first->flags);
+    EXPECT_EQ (DIFFERENCE_NONE, All_Bits_Record (sides.merged.first, 2)->flags);
 }
 
 TEST (AttributeComparison, MemoryFailureEndsTheTagOnly) {

@@ -164,19 +164,21 @@ static int Batch_Run (const Command_Line *line) {
 
 // --- interactive mode ------------------------------------------------------
 
-static const int WINDOW_WIDTH  = 800;
-static const int WINDOW_HEIGHT = 600;
-static const int WINDOW_LIMIT  = 32000; // Farther than any screen.
+static const int WINDOW_WIDTH      = 800;
+static const int WINDOW_HEIGHT     = 600;
+static const int WINDOW_LIMIT      = 32000; // Farther than any screen.
+static const int WINDOW_LEAST_WIDE = 136;   // So that a window of the size 0, as of an option without it, can be seen
+static const int WINDOW_LEAST_HIGH = 39;    // and taken hold of. It is what Windows does with a frame.
 
 static Main_Window_Place Window_Place (const Command_Line *line) {
     Main_Window_Place place = {WINDOW_DEFAULT_POSITION, WINDOW_DEFAULT_POSITION, WINDOW_WIDTH, WINDOW_HEIGHT};
     if (line->has_x) {
         place.x     = std::clamp (line->x, -WINDOW_LIMIT, WINDOW_LIMIT);
-        place.width = std::clamp (line->width, 1, WINDOW_LIMIT);
+        place.width = std::clamp (line->width, WINDOW_LEAST_WIDE, WINDOW_LIMIT);
     }
     if (line->has_y) {
         place.y      = std::clamp (line->y, -WINDOW_LIMIT, WINDOW_LIMIT);
-        place.height = std::clamp (line->height, 1, WINDOW_LIMIT);
+        place.height = std::clamp (line->height, WINDOW_LEAST_HIGH, WINDOW_LIMIT);
     }
     return place;
 }

@@ -74,7 +74,7 @@ struct Window_Description {
 Window      Window_Create (const Window_Description *description);
 const char *Window_Error_Text (void);
 void        Window_Destroy (Window window);         // With its destroy event.
-void        Window_Show (Window window);
+void        Window_Show (Window window);            // With a paint event at once: the program may be busy afterwards.
 void        Window_Client_Size (Window window, int *width, int *height);    // 0, 0 without a window.
 void        Window_Client_Resize (Window window, int width, int height);    // With a size event.
 

@@ -81,6 +81,12 @@ static void Deliver_Size (Window window, Window_Event_Kind kind) {
     Deliver (window, &event);
 }
 
+static void Paint (Window window) {
+    window->invalid    = 0;
+    Window_Event event = Event_Of (WINDOW_PAINT);
+    Deliver (window, &event);
+}
+
 static int Is_Mouse_Event (Window_Event_Kind kind) {
     return kind == WINDOW_MOUSE_MOVE || kind == WINDOW_BUTTON_DOWN || kind == WINDOW_BUTTON_UP || kind == WINDOW_WHEEL;
 }
@@ -160,10 +166,18 @@ static int Screen_Open (void) {
 
 static int Screen_Place (int place) { return place == WINDOW_DEFAULT_POSITION ? (int)SDL_WINDOWPOS_UNDEFINED : place; }
 
+// No window is made larger than all screens together: its pictures would take memory for what nobody sees.
+static void Screen_Limit (int *width, int *height) {
+    SDL_Rect all = {}, one;
+    for (int i = SDL_GetNumVideoDisplays (); i-- > 0;)
+        if (!SDL_GetDisplayBounds (i, &one)) SDL_UnionRect (&all, &one, &all);
+    if (all.w > 0 && *width > all.w) *width = all.w;
+    if (all.h > 0 && *height > all.h) *height = all.h;
+}
+
 static int Screen_Window_Create (Window window, const Window_Description *description) {
-    if (!Screen_Open ()) return 0;
     window->shown = SDL_CreateWindow (description->title ? description->title : "", Screen_Place (description->x),
-                                      Screen_Place (description->y), description->width, description->height,
+                                      Screen_Place (description->y), window->width, window->height,
                                       SDL_WINDOW_HIDDEN | SDL_WINDOW_RESIZABLE);
     if (!window->shown) Error_Set ("The window can't be made. (%s)", SDL_GetError ());
     return window->shown != nullptr;
@@ -193,12 +207,17 @@ static void Touch_All (Window window) {
 // --- windows ---------------------------------------------------------------
 
 Window Window_Create (const Window_Description *description) {
+    int width = description->width, height = description->height;
+    if (!description->off_screen) {
+        if (!Screen_Open ()) return nullptr;
+        Screen_Limit (&width, &height);
+    }
     Window window = static_cast<Window> (calloc (1, sizeof *window));
     if (!window) return Error_Set ("There is not enough memory for a window."), nullptr;
     window->background   = description->background;
     window->accept_drops = description->accept_drops;
-    if (!Picture_Create (window, description->width, description->height)) {
-        Error_Set ("A window of %d x %d pixels can't be made.", description->width, description->height);
+    if (!Picture_Create (window, width, height)) {
+        Error_Set ("A window of %d x %d pixels can't be made.", width, height);
         free (window);
         return nullptr;
     }
@@ -250,7 +269,10 @@ void Window_Show (Window window) {
     if (!window->shown) return;
     SDL_ShowWindow (window->shown);
     Touch_All (window);
-    Window_Invalidate (window);
+    Window_Hold (window);
+    Paint (window);
+    Present (window);
+    Window_Let_Go (window);
 }
 
 void Window_Client_Size (Window window, int *width, int *height) {
@@ -615,12 +637,6 @@ static Window Due_First (void) {
     for (Window window = windows; window; window = window->next)
         if (window->due) return window;
     return nullptr;
-}
-
-static void Paint (Window window) {
-    window->invalid    = 0;
-    Window_Event event = Event_Of (WINDOW_PAINT);
-    Deliver (window, &event);
 }
 
 static void Present_All (void) {

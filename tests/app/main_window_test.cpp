@@ -19,6 +19,8 @@
 #include "util/my_error_fct.h"
 #include "view/result_view.h"
 
+static const char *const MODULE = "main_window_test";
+
 static std::string boxes;
 
 static int Box_Heard (Window, const char *text, const char *, Window_Icon) {
@@ -549,6 +551,65 @@ TEST (MainWindow, EventsDuringARunAreHarmless) {
     EXPECT_LT (20, Rows.count);
 }
 
+// Pixels of texts in the text list.
+static int Text_Pixels (Window window) {
+    const Widget &list    = Result.text.widget;
+    Drawing       drawing = Drawing_Begin (window);
+    int           count   = 0;
+    for (int y = list.y + 4; y < list.y + list.h - 4; y++)
+        for (int x = list.x + 4; x < list.x + 400; x++) count += Drawing_Pixel (drawing, x, y) == 0;
+    Drawing_End (drawing);
+    return count;
+}
+
+static int pixels_meanwhile, level_meanwhile;
+
+static int Look_At_Run (Window window, int kind, const char *text) {
+    int result = Log_Program_Sink (window, kind, text);
+    if (kind != LOG_REPORT || Clean (text) != "    Analysing differences") return result;
+    pixels_meanwhile   = Text_Pixels (watched);
+    Window_Event event = Event (WINDOW_CHARACTER);
+    event.character    = '0';
+    Window_Send (watched, &event);
+    event.character = '9';
+    Window_Send (watched, &event);
+    level_meanwhile = Log.trace_level;
+    return result;
+}
+
+// A long run does not look dead, and keys that a box of it lets in work as ever.
+TEST (MainWindow, LinesAreSeenDuringTheRun) {
+    Shown       shown;
+    std::string a = shown.File ("a.dcm");
+    shown.Paint ();
+    EXPECT_EQ (0, Text_Pixels (shown.window));
+    watched         = shown.window;
+    level_meanwhile = -1;
+    Log_Sink_Set (Look_At_Run);
+    shown.Drop ({a, a});
+    EXPECT_LT (100, pixels_meanwhile);
+    EXPECT_EQ (0, level_meanwhile);
+    EXPECT_TRUE (Has ("    Analysing differences\nTrace level: 0\nTAGWRIGHT 21000020\nNo changes\n")) << List ();
+}
+
+static int Close_Run (Window window, int kind, const char *text) {
+    if (kind == LOG_REPORT && Clean (text) == "    Analysing differences") Window_Destroy (watched);
+    return Log_Program_Sink (window, kind, text);
+}
+
+// The session may end while a message box of the run is open.
+TEST (MainWindow, ClosedDuringARunItEnds) {
+    Shown       shown;
+    std::string a = shown.File ("a.dcm", "Doe", 20), b = shown.File ("b.dcm", "Roe", 20);
+    watched = shown.window;
+    Log_Sink_Set (Close_Run);
+    shown.Drop ({a, b});
+    EXPECT_EQ (0, Window_Loop ());
+    EXPECT_LT (20, Rows.count);
+    EXPECT_EQ (0, Device::Is_Open ());
+    EXPECT_EQ ("", boxes);
+}
+
 TEST (MainWindow, EveryMemoryFailureInADropLeaksNothing) {
     Dictionary_Build (nullptr);
     for (long n = 1, failed = 1; failed; n++) {
@@ -718,6 +779,28 @@ TEST (MainWindow, LoopsCodeIsTheExitCode) {
     Main_Window_Loop_Set (Fatal_Loop);
     EXPECT_EQ (3, Main_Window_Run (shown.window));
     EXPECT_EQ (0, Window_Loop ()) << "the window that it closed asks no later loop to end";
+}
+
+// Wherever it comes to light, the user reads why, and the cursor waits no longer.
+TEST (MainWindow, LimitOfTheViewEndsTheProgramWithThree) {
+    Shown       shown;
+    std::string a = shown.File ("a.dcm");
+    Result.left   = 200;
+    Result.right  = 500;
+    Window_Layout (shown.window, 800, 600);
+    shown.Drop ({a, a});
+    Attribute *first = Comparison_Last.merged;
+    ASSERT_NE (nullptr, first);
+    Memory_Free (first->description);
+    first->description = Memory_Strdup (nullptr, HERE ("description", 0, 0), std::string (180, 'd').c_str ());
+    shown.Paint ();
+    EXPECT_EQ (1, Times (boxes, "The program ends.")) << boxes;
+    EXPECT_EQ (2, Times (boxes, a)) << "of both sides";
+    shown.Paint ();
+    shown.Wheel (-120);
+    EXPECT_EQ (1, Times (boxes, "The program ends."));
+    EXPECT_EQ (WINDOW_CURSOR_ARROW, Window_Cursor_Get (shown.window));
+    EXPECT_EQ (3, Window_Loop ());
 }
 
 TEST (MainWindow, ExitForgetsAndReleasesAll) {

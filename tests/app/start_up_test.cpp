@@ -308,7 +308,10 @@ TEST (StartUp, OptionsSetTheWindowsSize) {
     static const struct {
         const char *x, *width, *y, *height;
         int         expected_width, expected_height;
-    } PLACES[] = {{"10", "640", "20", "480", 640, 480}, {"-5", "0", "0", "-1", 1, 1}};
+    } PLACES[] = {{"10", "640", "20", "480", 640, 480},
+                  {"-5", "0", "0", "-1", 136, 39},
+                  {"-2147483648", "-2147483648", "wide", "high", 136, 39},
+                  {"2147483647", "137", "99999999999", "40", 137, 40}};
     for (const auto &place : PLACES) {
         Looked started;
         started.Run ({"-x", place.x, place.width, "-Y", place.y, place.height});
@@ -320,6 +323,31 @@ TEST (StartUp, OptionsSetTheWindowsSize) {
     started.Run ({"-x", "1", "700"});
     EXPECT_EQ (700, window_width);
     EXPECT_EQ (600, window_height);
+}
+
+// What isn't said counts as 0, and there is no window that is too small to be seen, nor one without end.
+TEST (StartUp, SizesThatAreNotSaidAreTheLeast) {
+    for (const std::vector<const char *> &words :
+         {std::vector<const char *> {"-y", "1", "500", "-x"}, {"-y", "1", "500", "-x", "5"}}) {
+        Looked started;
+        started.Run (words);
+        EXPECT_EQ (136, window_width);
+        EXPECT_EQ (500, window_height);
+        EXPECT_EQ ("", boxes);
+    }
+}
+
+// Windows has a key for it. Elsewhere the directory of the program is known.
+TEST (StartUp, WithoutARegistryKeyTheUsualDirectoryIsTaken) {
+    bool                registry = System_Separator () == '\\';
+    Looked              started;
+    Temporary_Directory user;
+    Environment_Set ("APPDATA", user.path);
+    started.Run ({"-t", "1"});
+    EXPECT_EQ (registry, Contains (started.Trace (), "TRACE:   Unable to get path from registry"));
+    EXPECT_EQ (registry, Contains (started.Trace (), "TRACE:   File:start_up. Line:"));
+    EXPECT_EQ (registry, Contains (listed, "copying all files from: c:\\Program Files\\Kestrelbay\\DICOM Tables\\\n"))
+        << listed;
 }
 
 TEST (StartUp, WindowIsTracedFromItsStart) {

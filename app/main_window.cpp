@@ -158,14 +158,10 @@ void Window_Layout (Window window, int width, int height) {
 
 // --- text list -------------------------------------------------------------
 
-// A line that can't be drawn yet (something else is being drawn, or lines come faster than they can be read) shows with a
-// later one, or at the next paint event.
 void Main_Window_List (Window, const char *text, int over) {
     if (!shown) return;
     if (over) Text::OverWrite (&Result.text, text);
     else Text::Write (&Result.text, text);
-    if (Result.text.stale || Device::Is_Open ()) Window_Invalidate (shown);
-    else Window_Update (shown);
 }
 
 // clang-format off

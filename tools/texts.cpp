@@ -1,13 +1,12 @@
 // A field shows the last lines of a list that may be long, and is written to much more often than it is drawn. So a line
 // is stored as it came, with its display codes, and its runs are found anew each time it is drawn; only rows that changed
-// are drawn, and of a line no more than the field shows of it. What would surprise: writing keeps an account of the time
-// that it spends on drawing. See Is_Due.
+// are drawn, and of a line no more than the field shows of it. What would surprise: of many lines written in a row some are
+// left to the next paint event. See Is_Due.
 #include "tools/texts.h"
 
 #include <string.h>
 
 #include <algorithm>
-#include <chrono>
 
 #include "tools/keyboard.h"
 #include "tools/primitives.h"
@@ -426,6 +425,7 @@ void Texts::Exit (Text_Widget *text) {
 void Texts::Re_Write (Text_Widget *text) {
     Widget_Check (&text->widget, "Texts::Re_Write");
     if (!Can_Draw (text)) return;
+    text->written = 0;
     Draw_Rows (text, 0);
     Slider_Update (text);
 }
@@ -434,6 +434,7 @@ void Text::Draw (Text_Widget *text) {
     Widget *widget = &text->widget;
     Widget_Check (widget, "Text::Draw");
     if (!Can_Draw (text)) return;
+    text->written = 0;
     Tools::Clear (widget);
     Tools::Cadre (widget, widget->state | WIDGET_NO_OUTLINE, Tools::CADRE_SUNKEN, FRAME, widget->x,
                   widget->x + widget->w, widget->y, widget->y + widget->h);
@@ -498,45 +499,27 @@ int Text::Select (Text_Widget *text, int mouse_state) { return Texts::Select (te
 
 // --- writing ---------------------------------------------------------------
 
-static const int64_t FULL_CREDIT = 250000000; // Nanoseconds.
-static const int64_t SHARE       = 4;         // Of the time that passes, one part is for drawing.
+static const uint32_t SINGLY   = 100; // Times of writing that draw, after which
+static const uint32_t TOGETHER = 50;  // only one of so many does.
 
-static int64_t Now (void) {
-    auto since = std::chrono::steady_clock::now ().time_since_epoch ();
-    return std::chrono::duration_cast<std::chrono::nanoseconds> (since).count ();
-}
-
-// A comparison may report thousands of lines a second, and nobody can read them as they pass: drawing each would be all
-// that it does. So writing may draw for a quarter of the time, and for a quarter of a second beyond that before it starts
-// to leave lines to the next drawing.
+// A comparison may report thousands of lines, and nobody can read them as they pass: drawing each would be all that it
+// does. Lines that are not drawn ask for a paint event, with which the field's user draws it and the count begins anew.
 static int Is_Due (Text_Widget *text) {
-    int64_t now = Now ();
-    text->credit += (now - text->counted) / SHARE;
-    if (text->credit > FULL_CREDIT) text->credit = FULL_CREDIT;
-    text->counted = now;
-    return text->credit > 0;
-}
-
-static void Draw_Written (Text_Widget *text, int first) {
-    Draw_Rows (text, text->stale ? 0 : first);
-    Slider_Update (text);
-    Window_Update (text->widget.window);
-    int64_t now = Now ();
-    text->credit -= now - text->counted;
-    text->counted = now;
+    text->written++;
+    return text->written <= SINGLY || text->written % TOGETHER == 0;
 }
 
 // Draws what differs from before: the rows from first on.
 static void Show_Written (Text_Widget *text, int first) {
-    if (first >= Rows (text)) {
-        if (Can_Draw (text)) Slider_Update (text);
+    int seen = first < Rows (text);
+    if (!Can_Draw (text) || (seen && !Is_Due (text))) {
+        Window_Invalidate (text->widget.window);
+        text->stale = 1;
         return;
     }
-    if (Can_Draw (text) && Is_Due (text)) Draw_Written (text, first);
-    else {
-        if (!text->stale) Window_Invalidate (text->widget.window);
-        text->stale = 1;
-    }
+    if (seen) Draw_Rows (text, text->stale ? 0 : first);
+    Slider_Update (text);
+    Window_Update (text->widget.window);
 }
 
 // A report that storing itself gives rise to (there is no memory) may come back here by way of the log: it is dropped.

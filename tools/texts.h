@@ -39,8 +39,7 @@ struct Text_Widget {
     int           made_size;
     int           storing;      // 1 while a line is stored: what is written meanwhile is dropped.
     int           stale;        // 1: there are changes that have not been drawn.
-    int64_t       credit;       // Nanoseconds that writing may still spend on drawing; see Text::Write.
-    int64_t       counted;      // When credit was counted last.
+    uint32_t      written;      // Times of writing since it was drawn whole; see Text::Write.
 };
 
 namespace Texts {
@@ -72,10 +71,10 @@ namespace Text {
 void Draw (Text_Widget *text);                              // Frame, fill, lines, slider.
 int  Select (Text_Widget *text, int mouse_state);           // Texts::Select.
 
-// A new last line, or several at line feeds, drawn at once. "" is an empty line; a line feed at the end adds none. Where
-// lines come faster than they can be read, some are drawn together with the ones that follow, at the latest by the next
-// paint event, so whoever owns the window answers that event with Draw or Re_Write. Inside a drawing session, and before
-// Init, a line is stored and drawn with the next one.
+// A new last line, or several at line feeds, drawn at once. "" is an empty line; a line feed at the end adds none. Of more
+// than a hundred lines in a row only some draw, together with those before them; a paint event follows the rest, so whoever
+// owns the window answers that event with Draw or Re_Write. Inside a drawing session, and before Init, a line is stored and
+// drawn with that event or the next line.
 void Write (Text_Widget *text, const char *line);
 void OverWrite (Text_Widget *text, const char *line);       // The same, in place of the last line.
 }

@@ -4,7 +4,6 @@
 
 #include <string.h>
 
-#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
@@ -65,7 +64,6 @@ struct Field {
     void Write_Many (int first, int count) {
         for (int i = first; i < first + count; i++) Write (std::to_string (i));
         Texts::Re_Write (text);
-        text->credit = INT64_MAX / 2; // What comes next is drawn at once.
     }
     int         Visible () { return Texts::Visible_Lines (text); }
     std::string Line (int index) { return Texts::Line (text, index); }
@@ -773,20 +771,51 @@ TEST (Texts, SeveralLinesAreDrawnInOneSession) {
     EXPECT_EQ (Calls (Device::CALL_BEGIN), 1);
 }
 
-TEST (Texts, WritingTooFastIsDrawnLater) {
+static const int SINGLY = 100, TOGETHER = 50; // Of the lines in a row.
+
+TEST (Texts, OfManyLinesInARowOnlySomeDraw) {
     Field field;
     field.Ready ();
-    field.Write ("a");
-    field.text->credit       = INT64_MIN / 2; // As after a flood of lines.
-    std::vector<Drawn> texts = Texts_Drawn ([&] { field.Write ("b"); });
-    EXPECT_EQ (texts.size (), 0u);
-    EXPECT_EQ (field.text->line_count, 2);
-    field.text->credit = 1000000;
-    texts              = Texts_Drawn ([&] { field.Write ("c"); });
-    EXPECT_EQ (Joined (texts), "a|b|c|");
-    field.text->credit = INT64_MIN / 2;
-    field.Write ("d");
-    EXPECT_EQ (Joined (Rewritten (field)), "a|b|c|d|");
+    auto write = [&] (int number) {
+        return Joined (Texts_Drawn ([&] { field.Write (std::to_string (number)); }));
+    };
+    std::string shown;
+    for (int i = 1; i <= 4 * SINGLY; i++) {
+        std::string line  = std::to_string (i) + "|";
+        bool        draws = i <= SINGLY || i % TOGETHER == 0;
+        if (i > field.Visible ()) shown.erase (0, shown.find ('|') + 1);
+        shown += line;
+        EXPECT_EQ (write (i), !draws ? "" : i <= field.Visible () ? line : shown) << i;
+    }
+}
+
+TEST (Texts, DrawingTheWholeFieldBeginsTheRowAnew) {
+    Field field (300, 600);
+    field.Ready ();
+    field.text->size = 1;
+    for (auto draw : {Texts::Re_Write, Text::Draw}) {
+        field.text->written = SINGLY + 1;
+        EXPECT_EQ (Joined (Texts_Drawn ([&] { field.Write ("a"); })), "");
+        draw (field.text);
+        EXPECT_EQ (Joined (Texts_Drawn ([&] { field.Write ("b"); })), "b|");
+        EXPECT_EQ (field.text->written, 1u);
+    }
+    field.text->written = UINT32_MAX - 1;
+    EXPECT_EQ (Joined (Texts_Drawn ([&] { field.Write ("c"); })), "");
+    EXPECT_EQ (Joined (Texts_Drawn ([&] { field.Write ("d"); })), "a|b|a|b|c|d|");
+}
+
+// Each of them may be seen by its slider only.
+TEST (Texts, LinesOutOfSightDoNotCount) {
+    Field field;
+    field.Ready ();
+    field.Write_Many (0, 50);
+    Texts::Scroll (field.text, -20);
+    for (int i = 0; i < 2 * SINGLY; i++) EXPECT_EQ (Joined (Texts_Drawn ([&] { field.Write ("unseen"); })), "");
+    EXPECT_EQ (field.text->stale, 0);
+    EXPECT_EQ (field.text->slider.maximum, (float)(50 + 2 * SINGLY - field.Visible ()));
+    Texts::Scroll (field.text, TEXT_LINES);
+    EXPECT_EQ (Joined (Texts_Drawn ([&] { field.Write ("seen"); })).substr (0, 7), "unseen|");
 }
 
 static Text_Widget *painted;
@@ -806,30 +835,23 @@ TEST (Texts, WhatWasLeftOutIsDrawnByTheNextPaintEvent) {
     Text::Draw (field.text);
     Window_Loop (); // What the window's beginning asked for.
     painted = field.text;
-    field.Write ("a");
-    EXPECT_EQ (Joined (Texts_Drawn ([] { Window_Loop (); })), "");
-    field.text->credit = INT64_MIN / 2;
-    field.Write ("b");
-    EXPECT_EQ (Joined (Texts_Drawn ([] { Window_Loop (); })), "a|b|");
-    EXPECT_EQ (Joined (Texts_Drawn ([] { Window_Loop (); })), "");
+    for (int round = 0; round < 2; round++) {
+        for (int i = 0; i < SINGLY; i++) field.Write ("a");
+        EXPECT_EQ (Joined (Texts_Drawn ([] { Window_Loop (); })), "");
+        field.Write ("b");
+        field.Write ("c");
+        std::string seen = Joined (Texts_Drawn ([] { Window_Loop (); }));
+        EXPECT_EQ (seen.substr (seen.size () - 6), "a|b|c|");
+        EXPECT_EQ (Joined (Texts_Drawn ([] { Window_Loop (); })), "");
+    }
+    field.text->stale = 1; // As when there was no window to paint yet.
+    ASSERT_TRUE (Device::Begin (window, nullptr, "test"));
+    field.Write ("d");
+    Device::End ();
+    EXPECT_NE (Joined (Texts_Drawn ([] { Window_Loop (); })).find ("|d|"), std::string::npos);
     painted = nullptr;
     Texts::Exit (field.text);
     Window_Destroy (window);
-}
-
-TEST (Texts, AFloodOfLinesDrawsForAShareOfItsTimeOnly) {
-    Field field (780);
-    field.Ready ();
-    auto               start = std::chrono::steady_clock::now ();
-    std::vector<Drawn> texts = Texts_Drawn ([&] {
-        for (int i = 0; i < 30000; i++)
-            field.Write ("\xF1\x05WARNING: \xF0"
-                         "(0008,0018) a line of usual length");
-    });
-    auto               spent = std::chrono::duration<double> (std::chrono::steady_clock::now () - start).count ();
-    EXPECT_GT (texts.size (), 20u);
-    EXPECT_LT (spent, 30);
-    EXPECT_EQ (Rewritten (field).size (), 2u * field.Visible ());
 }
 
 TEST (Texts, WhatIsWrittenInASessionIsDrawnWithTheNextDrawing) {

@@ -134,6 +134,7 @@ static void Hints_Set (void) {
 
 // An X client ends at the first error unless it handles errors. Ours come from windows that are gone when a message reaches
 // them: that of a file manager which ended in the midst of a drag, or a box of ours that the library still wants to wake.
+// When the connection itself breaks, the X library says so and ends the program with 1; that stays.
 static int X_Error (void *, void *) { return 0; }
 
 // The library loads X by itself when there is one, so the module isn't linked with it.
@@ -650,7 +651,8 @@ static void Turn (void) {
     if (Window window = Outdated_First ()) return On_Size (window);
     if (Window window = Invalid_First ()) return Paint (window);
     Present_All ();
-    if (SDL_WaitEvent (&event)) Route (&event);
+    if (!SDL_WaitEvent (&event)) return On_Session_End (); // No event can come any more.
+    Route (&event);
 }
 
 // The procedure that asks for a box is in the midst of something, so no other window's procedure is called meanwhile.

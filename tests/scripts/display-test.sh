@@ -37,11 +37,12 @@ expect () { # line
   fail "not told: $1 ($(tail -n 8 "$stage/events" | tr '\n' ';'))"
 }
 
-ended () {
-  local i
+ended () { # [status]
+  local i status=0
   for i in $(seq 100); do
     if ! kill -0 "$child" 2>/dev/null; then
-      wait "$child" || fail "the child ended with $?"
+      wait "$child" || status=$?
+      [ $status -eq "${1:-0}" ] || fail "the child ended with $status"
       child=
       return
     fi
@@ -181,6 +182,12 @@ start window
 type_key q
 expect "loop 7"
 ended
+
+# The server goes, or cuts the connection: the program ends and says why, rather than wait for what can't come.
+start window
+xdotool windowkill "$window"
+ended 1
+grep -q "^X connection to .* broken" "$stage/events" || fail "not said: the connection is broken"
 
 # --- capture ---
 

@@ -57,9 +57,9 @@ int Window_Loop (void) {
 }
 
 void Window_Quit (int code) {
-    if (Display_Get ()) return Display_Get ()->Window_Quit (code);
-    quit_early = 1;
+    quit_early = !Display_Get (); // The last call counts, whichever side it reaches.
     quit_code  = code;
+    if (Display_Get ()) Display_Get ()->Window_Quit (code);
 }
 
 int Window_Send (Window window, const Window_Event *event) {

@@ -2,6 +2,7 @@
 //   create             makes an off-screen window and says how that went
 //   fonts              the same, and the width of a text
 //   boxes              shows a message and a question while there is an off-screen window
+//   quit [again]       asks for the end before there is a window (and again behind), runs the loop before, after and again
 //   screen             makes a window on the screen, and says so
 //   window [KIND]      shows a window, and writes each of its events as a line until it is destroyed; KIND is one of
 //                      capture (while the left button is down), ask (a question when "?" is typed), thread
@@ -56,6 +57,17 @@ static int Boxes () {
     Window window = Off_Screen ();
     Window_Message_Box (window, "message", "caption", WINDOW_ICON_ERROR);
     printf ("answer %d\n", Window_Question_Box (window, "question", "caption"));
+    return 0;
+}
+
+static int Quit () {
+    int before = Window_Loop ();
+    Window_Quit (3);
+    Window window = Off_Screen ();
+    if (kind == "again") Window_Quit (7);
+    int code = Window_Loop ();
+    printf ("loop %d, %d, %d\n", before, code, Window_Loop ());
+    Window_Destroy (window);
     return 0;
 }
 
@@ -170,6 +182,7 @@ int main (int count, char **words) {
     if (what == "create") return Create ();
     if (what == "fonts") return Fonts ();
     if (what == "boxes") return Boxes ();
+    if (what == "quit") return Quit ();
     if (what == "screen") return Screen ();
     if (what == "window") return Shown ();
     return 2;

@@ -374,6 +374,11 @@ TEST (SdlModule, OffScreenWindowNeedsNoDisplay) {
     EXPECT_EQ (child.output, "created\n");
 }
 
+TEST (SdlModule, TheEndMayBeAskedForBeforeThereIsAWindow) {
+    EXPECT_EQ (Child_Run (SDL_CHILD, "quit").output, "loop 0, 3, 0\n");
+    EXPECT_EQ (Child_Run (SDL_CHILD, "quit again").output, "loop 0, 7, 0\n");
+}
+
 TEST (SdlModule, WindowOnTheScreenNeedsADisplay) {
     Child child = Child_Run (SDL_CHILD, "screen");
     EXPECT_EQ (child.status, 1);

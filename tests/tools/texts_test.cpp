@@ -776,9 +776,7 @@ static const int SINGLY = 100, TOGETHER = 50; // Of the lines in a row.
 TEST (Texts, OfManyLinesInARowOnlySomeDraw) {
     Field field;
     field.Ready ();
-    auto write = [&] (int number) {
-        return Joined (Texts_Drawn ([&] { field.Write (std::to_string (number)); }));
-    };
+    auto write = [&] (int number) { return Joined (Texts_Drawn ([&] { field.Write (std::to_string (number)); })); };
     std::string shown;
     for (int i = 1; i <= 4 * SINGLY; i++) {
         std::string line  = std::to_string (i) + "|";

@@ -187,7 +187,7 @@ ended
 start window
 xdotool windowkill "$window"
 ended 1
-grep -q "^X connection to .* broken" "$stage/events" || fail "not said: the connection is broken"
+grep -qE "^(X connection to .* broken|XIO: +fatal IO error)" "$stage/events" || fail "not said: the connection is broken"
 
 # --- capture ---
 

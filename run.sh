@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the program, runs it with the words given, shows what the run wrote into the audit file, and ends with the
-# program's exit status. Installs what the build needs first.
+# Builds the program and opens its window: ./run.sh. Or runs it with the words given, such as the names of two files, and
+# shows what the run wrote into the audit file. Ends with the program's exit status. Installs what the build needs first.
 set -eu
 
 root=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
@@ -10,6 +10,7 @@ root=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
 
 build=$root/build/run
 mkdir -p "$build"
+[ -e "$build/tagwright" ] || echo "run.sh: building the program, which takes a minute or two" >&2
 if ! (cd "$root" && cmake --preset native -B "$build" -DTAGWRIGHT_TESTS=OFF && cmake --build "$build") \
   >"$build/build.log" 2>&1; then
   cat "$build/build.log" >&2

@@ -33,6 +33,7 @@ cat "$STAGE/date"
 END
 stand_in "$stage/bin/cmake" <<'END'
 echo "noise of the build"
+[ ! -f "$STAGE/built" ] || mv "$STAGE/built" "$BUILT"
 [ ! -f "$STAGE/broken" ]
 END
 mkdir -p "$copy/build/run"
@@ -42,7 +43,7 @@ printf '\n'
 [ ! -f "$STAGE/script" ] || . "$STAGE/script"
 exit "$(cat "$STAGE/status")"
 END
-export STAGE=$stage SCRATCH=$scratch
+export STAGE=$stage SCRATCH=$scratch BUILT="$copy/build/run/tagwright"
 
 run () { # arguments...
   status=0
@@ -93,11 +94,17 @@ before
 --- $scratch/Tagwright_22Nov2026.dat ---
 after" ] || fail "midnight: $output"
 
-# No words: the program alone.
-echo 2 >"$stage/status"
+# No words: the window, and nothing of what its comparisons wrote.
+echo 0 >"$stage/status"
 echo 'echo "more" >>"$SCRATCH/Tagwright_22Nov2026.dat"' >"$stage/script"
 run
-[ $status -eq 2 ] && [ "$output" = "<>" ] || fail "no words: $status ($output)"
+[ $status -eq 0 ] && [ "$output" = "<>" ] || fail "no words: $status ($output)"
+
+# The first build says that it takes its time.
+mv "$BUILT" "$stage/built"
+run
+[ "$output" = "run.sh: building the program, which takes a minute or two
+<>" ] || fail "the first build: $output"
 
 # A build that fails shows itself.
 touch "$stage/broken"

@@ -58,8 +58,9 @@ struct Drawing_Font_Metrics {
 };
 void Drawing_Font_Measure (Drawing drawing, Drawing_Font font, Drawing_Font_Metrics *metrics);
 
-// Texts are bytes: UTF-8 where they are valid UTF-8; else Windows-1252 on Linux, the ANSI code page on Windows. One run:
-// tabs and line ends are not interpreted. Nothing is drawn behind the characters.
+// Texts are bytes: each valid UTF-8 sequence is its character (platform/utf8.h); each other byte is one of Windows-1252 on
+// Linux, of the ANSI code page on Windows, or U+FFFD where that has none. Controls are blanks: tabs and line ends are not
+// interpreted. Nothing is drawn behind the characters.
 int  Drawing_Text_Width (Drawing drawing, Drawing_Font font, const char *text, int length);
 void Drawing_Text (Drawing drawing, Drawing_Font font, int x, int y, const char *text, int length, uint32_t colour);
                             // (x, y) is the bottom-left pixel of the run's cell.

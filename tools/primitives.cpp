@@ -5,6 +5,7 @@
 #include <stdio.h>
 #include <string.h>
 
+#include "platform/utf8.h"
 #include "tools/device.h"
 
 static const char *const LIBRARY  = "Kestrelbay_Tools";
@@ -247,28 +248,10 @@ void Arrow (Widget *widget, int direction, int pressed, int x1, int x2, int y1, 
 
 static const int CHARACTER_SIZE = 4; // Bytes of the longest one.
 
-static int Is_Continuation (char c) { return (static_cast<uint8_t> (c) & 0xC0) == 0x80; }
-
-// Smallest and largest second byte that the first one allows: overlong forms, surrogates and what lies beyond the last
-// code point are no characters.
-static int Is_Second (uint8_t first, uint8_t second) {
-    switch (first) {
-    case 0xE0: return second >= 0xA0 && second <= 0xBF;
-    case 0xED: return second >= 0x80 && second <= 0x9F;
-    case 0xF0: return second >= 0x90 && second <= 0xBF;
-    case 0xF4: return second >= 0x80 && second <= 0x8F;
-    default: return second >= 0x80 && second <= 0xBF;
-    }
-}
-
-// Bytes of the character that a terminated text starts with. A byte that starts none in UTF-8 is one by itself.
-static int Character_Length (const char *text) {
-    const uint8_t first  = static_cast<uint8_t> (text[0]);
-    const int     length = first < 0xC2 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : first < 0xF5 ? 4 : 1;
-    if (length > 1 && !Is_Second (first, static_cast<uint8_t> (text[1]))) return 1;
-    for (int i = 2; i < length; i++)
-        if (!Is_Continuation (text[i])) return 1;
-    return length;
+int Character_Length (const char *text) {
+    uint32_t  character;
+    const int length = UTF8_Character (text, text + strnlen (text, CHARACTER_SIZE), &character);
+    return length ? length : 1;
 }
 
 // Bytes of the whole characters at the start of a text that fit into a limit.
@@ -460,7 +443,7 @@ void Text (Widget *widget, Drawing_Font font, const char *text, uint32_t flags, 
 
 const char *Banner (const char *check) {
     static char text[64];
-    if (check && strncmp (check, VERSION, strlen (VERSION))) return nullptr;
+    if (check && strcmp (check, VERSION)) return nullptr;
     snprintf (text, sizeof text, "%s (Static) %s (rev-%s)", LIBRARY, VERSION, REVISION);
     return text;
 }

@@ -62,9 +62,12 @@ int DrawText (Drawing_Font font, int x, int y, const char *text, uint32_t colour
 // Inside a session: the text's extent plus 3 average character widths for each tab.
 int TextWidth (Drawing_Font font, const char *text);
 
+// Bytes of the character that a terminated text starts with, at least 1: a byte that starts none in UTF-8 is one by itself.
+int Character_Length (const char *text);
+
 // --- library ---------------------------------------------------------------
 
-// Who this library is; static text. None when check's first characters are another version's.
+// Who this library is; static text. None when check is another version than this one.
 const char *Banner (const char *check);
 
 }

@@ -543,20 +543,11 @@ void Text::OverWrite (Text_Widget *text, const char *line) { Put (text, line, 1,
 
 // --- typed line ------------------------------------------------------------
 
-// Bytes of the character that starts here; a byte that is no part of valid UTF-8 stands for itself.
-static int Character_Length (const char *byte) {
-    unsigned char lead   = (unsigned char)*byte;
-    int           length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 1;
-    for (int i = 1; i < length; i++)
-        if (!Is_Continuation (byte[i])) return 1;
-    return length;
-}
-
 // Where the character before the one at position starts.
 static int Character_Before (const char *line, int position) {
     int start = 0;
-    while (start < position && start + Character_Length (line + start) < position)
-        start += Character_Length (line + start);
+    while (start < position && start + Tools::Character_Length (line + start) < position)
+        start += Tools::Character_Length (line + start);
     return start;
 }
 
@@ -566,8 +557,8 @@ void Texts::Rescale_Cursor (Text_Widget *text) {
     int start                 = 0;
     if (text->cursor > length) text->cursor = length;
     if (text->cursor < 0) text->cursor = 0;
-    while (start < text->cursor && start + Character_Length (text->text + start) <= text->cursor)
-        start += Character_Length (text->text + start);
+    while (start < text->cursor && start + Tools::Character_Length (text->text + start) <= text->cursor)
+        start += Tools::Character_Length (text->text + start);
     text->cursor = start;
 }
 
@@ -595,7 +586,7 @@ static void Insert (Text_Widget *text, int character) {
 static void Take_Key (Text_Widget *text, int key) {
     int length = (int)strlen (text->text);
     int before = Character_Before (text->text, text->cursor);
-    int after  = text->cursor < length ? text->cursor + Character_Length (text->text + text->cursor) : length;
+    int after  = text->cursor < length ? text->cursor + Tools::Character_Length (text->text + text->cursor) : length;
     switch (key) {
     case KEY_MOVEMENT + WINDOW_KEY_LEFT: text->cursor = before; break;
     case KEY_MOVEMENT + WINDOW_KEY_RIGHT: text->cursor = after; break;

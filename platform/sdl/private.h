@@ -63,9 +63,6 @@ int  Picture_Create (Window window, int width, int height);
 void Picture_Free (Window window);
 void Picture_Touch (Window window, const Area *area);   // Marks as drawn.
 
-// The character that starts at a byte, and its length in bytes; 0 when it isn't valid UTF-8.
-int UTF8_Character (const char *at, const char *end, uint32_t *character);
-
 // Releases a window that was destroyed when neither an event nor a drawing needs it any more.
 void Window_Release (Window window);
 

@@ -9,8 +9,9 @@
 
 #include "platform/drawing.h"
 #include "platform/sdl/private.h"
+#include "platform/utf8.h"
 
-static const char *const SYSTEM_FACE   = "Sans";
+static const char *const SYSTEM_FACE   = "Arial"; // As the program's own fonts: what others name differs by machine.
 static const int         SYSTEM_HEIGHT = 13;
 static const int         HEIGHT_LIMIT  = 2000;
 
@@ -38,32 +39,7 @@ struct Drawing_Font_Record {
     Glyph         glyphs[PLAIN_LIMIT];
 };
 
-// --- texts as UTF-8 --------------------------------------------------------
-
-int UTF8_Character (const char *at, const char *end, uint32_t *character) {
-    static const uint32_t LEAST[5] = {0, 0, 0x80, 0x800, 0x10000}; // Longer forms of smaller characters are none.
-    unsigned char         first    = (unsigned char)*at;
-    int length = first < 0x80 ? 1 : first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : first < 0xF5 ? 4 : 0;
-    if (!length || end - at < length) return 0;
-    uint32_t result = length == 1 ? first : first & (0xFFu >> (length + 1));
-    for (int i = 1; i < length; i++) {
-        if (((unsigned char)at[i] & 0xC0) != 0x80) return 0;
-        result = result << 6 | ((unsigned char)at[i] & 0x3F);
-    }
-    if (result < LEAST[length] || result > 0x10FFFF || (result >= 0xD800 && result < 0xE000)) return 0;
-    *character = result;
-    return length;
-}
-
-static int Is_UTF8 (const char *at, const char *end) {
-    uint32_t character;
-    while (at < end) {
-        int length = UTF8_Character (at, end, &character);
-        if (!length) return 0;
-        at += length;
-    }
-    return 1;
-}
+// --- texts as characters ---------------------------------------------------
 
 static const uint16_t WINDOWS_1252[32] = {0x20AC, 0xFFFD, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
                                           0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0xFFFD, 0x017D, 0xFFFD,
@@ -74,11 +50,13 @@ static uint32_t Character_1252 (unsigned char byte) {
     return byte >= 0x80 && byte < 0xA0 ? WINDOWS_1252[byte - 0x80] : byte;
 }
 
-// Controls have no picture of their own, and some would end the run or turn its direction: each is drawn as a blank.
-static uint32_t Without_Control (uint32_t character) {
-    int control = character < 0x20 || (character >= 0x7F && character < 0xA0);
-    int format  = (character >= 0x2028 && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069);
-    return control || format ? ' ' : character;
+// Texts are mostly UTF-8, but values of old files may be in a single-byte code. Each sequence is judged for itself, so
+// that the parts of a text have the same characters as the whole. The bytes taken.
+static int Take_Character (const char *at, const char *end, uint32_t *character) {
+    int length = UTF8_Character (at, end, character);
+    if (!length) *character = Character_1252 ((unsigned char)*at);
+    if (UTF8_Is_Control (*character)) *character = ' ';
+    return length ? length : 1;
 }
 
 // A text as a row of characters.
@@ -97,13 +75,11 @@ static int Run_Begin (Run *run, const char *text, int length) {
         run->characters = static_cast<uint32_t *> (malloc ((size_t)length * sizeof (uint32_t)));
         if (!run->characters) return 0;
     }
-    const char *end     = text + length;
-    int         is_utf8 = Is_UTF8 (text, end);
-    run->plain          = 1;
+    const char *end = text + length;
+    run->plain      = 1;
     for (const char *at = text; at < end;) {
-        uint32_t character = Character_1252 ((unsigned char)*at);
-        at += is_utf8 ? UTF8_Character (at, end, &character) : 1;
-        character = Without_Control (character);
+        uint32_t character;
+        at += Take_Character (at, end, &character);
         if (character >= PLAIN_LIMIT) run->plain = 0;
         run->characters[run->count++] = character;
     }

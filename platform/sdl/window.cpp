@@ -10,6 +10,7 @@
 #include <string.h>
 
 #include "platform/sdl/private.h"
+#include "platform/utf8.h"
 
 static Window windows;   // All that have not been destroyed.
 static Window captured;  // Gets all mouse events. Borrowed.

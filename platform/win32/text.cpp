@@ -1,24 +1,8 @@
 // From the program's bytes to the system's characters. The texts are mostly UTF-8, but values of old files may be in the
 // single-byte code of the machine they came from. Each sequence is judged for itself, so a run that is cut in two
 // between characters has the same characters as the whole.
+#include "platform/utf8.h"
 #include "platform/win32/window_private.h"
-
-// Length of the valid UTF-8 sequence at the start of bytes, and its character. 0 when there is none.
-static int UTF8_Sequence (const uint8_t *bytes, int left, uint32_t *character) {
-    static const uint32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000}; // By length; a longer way to write one is invalid.
-
-    int length = bytes[0] < 0x80 ? 1 : bytes[0] < 0xC2 ? 0 : bytes[0] < 0xE0 ? 2 : bytes[0] < 0xF0 ? 3 : 4;
-    if (!length || bytes[0] > 0xF4 || length > left) return 0;
-
-    uint32_t code = length == 1 ? bytes[0] : bytes[0] & (0x7F >> length);
-    for (int i = 1; i < length; i++) {
-        if ((bytes[i] & 0xC0) != 0x80) return 0;
-        code = code << 6 | (bytes[i] & 0x3F);
-    }
-    if (code < smallest[length] || code > 0x10FFFF || (code >= 0xD800 && code < 0xE000)) return 0;
-    *character = code;
-    return length;
-}
 
 // The manifest makes UTF-8 the code page of the process, so the one of the system is asked of its locale.
 static UINT System_Code_Page (void) {
@@ -32,15 +16,8 @@ static UINT System_Code_Page (void) {
     return page;
 }
 
-// Controls have no picture of their own, and some would turn the direction of the run: each is a blank.
-static int Is_Control (uint32_t character) {
-    int control = character < 0x20 || (character >= 0x7F && character < 0xA0);
-    int format  = (character >= 0x2028 && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069);
-    return control || format;
-}
-
 static int Put_Character (uint32_t character, wchar_t *result) {
-    if (Is_Control (character)) character = ' ';
+    if (UTF8_Is_Control (character)) character = ' ';
     if (character < 0x10000) {
         result[0] = (wchar_t)character;
         return 1;
@@ -50,7 +27,8 @@ static int Put_Character (uint32_t character, wchar_t *result) {
     return 2;
 }
 
-// A character of the system's code page: one byte, or two in some of them. The bytes taken.
+// A character of the system's code page: one byte, or two in some of them. The bytes taken. What the page has no
+// character for becomes a control there.
 static int Put_Foreign (const char *text, int left, wchar_t *result) {
     UINT    page  = System_Code_Page ();
     int     taken = left > 1 && IsDBCSLeadByteEx (page, (BYTE)text[0]) ? 2 : 1;
@@ -58,7 +36,7 @@ static int Put_Foreign (const char *text, int left, wchar_t *result) {
 
     if (taken == 2 && MultiByteToWideChar (page, MB_ERR_INVALID_CHARS, text, 2, found, 2) != 1) taken = 1;
     int count = taken == 2 ? 1 : MultiByteToWideChar (page, 0, text, 1, found, 2);
-    Put_Character (count == 1 ? found[0] : ' ', result);
+    Put_Character (count == 1 && !UTF8_Is_Control (found[0]) ? found[0] : UTF8_UNKNOWN, result);
     return taken;
 }
 
@@ -66,7 +44,7 @@ int Text_To_UTF16 (const char *text, int length, wchar_t *result) {
     int count = 0;
     for (int i = 0; i < length;) {
         uint32_t character = 0;
-        int      taken     = UTF8_Sequence (reinterpret_cast<const uint8_t *> (text + i), length - i, &character);
+        int      taken     = UTF8_Character (text + i, text + length, &character);
         if (taken) {
             count += Put_Character (character, result + count);
         } else {

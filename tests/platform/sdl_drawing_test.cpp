@@ -523,15 +523,41 @@ TEST_F (SdlText, Windows1252DrawsLikeUtf8) {
     }
 }
 
-TEST_F (SdlText, InvalidUtf8IsTakenAsAWhole) {
-    // Each has a valid character and something that is none.
-    for (std::string broken : {"\xC3", "\xE2\x82", "\xC0\xAF", "\xE0\x80\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80",
-                               "\xF8\x88\x80\x80\x80", "\x80", "\xF0\x82\x82\xAC"}) {
-        int sum = Width (nullptr, "\xC3\x83") + Width (nullptr, "\xC2\xA9"); // C3 A9 as Windows-1252.
-        for (char c : broken) sum += Width (nullptr, std::string (1, c));
-        EXPECT_EQ (Width (nullptr, "\xC3\xA9" + broken), sum);
-        Draw (nullptr, 0, 0, "\xC3\xA9" + broken);
+// Each would be UTF-8 if its bytes were fewer, more or others.
+TEST_F (SdlText, InvalidUtf8IsTakenAsSingleBytes) {
+    struct Pair {
+        const char *raw, *utf8;
+    };
+    static const Pair PAIRS[] = {{"\xC3", "\xC3\x83"},
+                                 {"\xC3Z", "\xC3\x83Z"},
+                                 {"\xE2\x82", "\xC3\xA2\xE2\x80\x9A"},
+                                 {"\xC0\xAF", "\xC3\x80\xC2\xAF"},
+                                 {"\xE0\x82\xA9", "\xC3\xA0\xE2\x80\x9A\xC2\xA9"},
+                                 {"\xED\xA0\xA0", "\xC3\xAD\xC2\xA0\xC2\xA0"},
+                                 {"\xF0\x82\x82\xAC", "\xC3\xB0\xE2\x80\x9A\xE2\x80\x9A\xC2\xAC"},
+                                 {"\xF4\xA0\xA0\xA0", "\xC3\xB4\xC2\xA0\xC2\xA0\xC2\xA0"},
+                                 {"\xF5\xA0\xA0\xA0", "\xC3\xB5\xC2\xA0\xC2\xA0\xC2\xA0"}};
+    for (const Pair &pair : PAIRS) {
+        EXPECT_EQ (Width (nullptr, pair.raw), Width (nullptr, pair.utf8)) << pair.utf8;
+        EXPECT_EQ (Picture (nullptr, pair.raw), Picture (nullptr, pair.utf8)) << pair.utf8;
     }
+}
+
+TEST_F (SdlText, EachSequenceIsTakenForItself) {
+    EXPECT_EQ (Picture (nullptr, "\xC3\xA9 \xE9"), Picture (nullptr, "\xE9 \xC3\xA9"));
+    EXPECT_EQ (Picture (nullptr, "\xE9\xE2\x82\xAC"), Picture (nullptr, "\xC3\xA9\xE2\x82\xAC"));
+    EXPECT_EQ (Width (nullptr, "caf\xC3\xA9 \xE9t\xE9"),
+               Width (nullptr, "caf\xC3\xA9 ") + Width (nullptr, "\xE9t\xE9"));
+}
+
+// The library that looks fonts up is told here that no other name means the same.
+TEST_F (SdlText, WithoutAFontIsDrawnLikeArial) {
+    Font arial ("Arial", 13);
+    EXPECT_EQ (Measure (nullptr).height, Measure (arial).height);
+    EXPECT_EQ (Width (nullptr, "Wimlij"), Width (arial, "Wimlij"));
+    EXPECT_EQ (Picture (nullptr, "Wimlij"), Picture (arial, "Wimlij"));
+    Font other ("Sans", 13);
+    EXPECT_NE (Width (nullptr, "Wimlij"), Width (other, "Wimlij"));
 }
 
 TEST_F (SdlText, ShapedAndPlainRunsGiveTheSamePicture) {

@@ -543,6 +543,20 @@ TEST_F (Win32Fonts, InvalidUTF8IsTakenAsSingleBytes) {
     EXPECT_EQ (Picture (font, "\xED\xA0\xA0"), Picture (font, "\xC3\xAD\xC2\xA0\xC2\xA0")) << "half of a pair";
     EXPECT_EQ (Picture (font, "\xF5\xA0\xA0\xA0"), Picture (font, "\xC3\xB5\xC2\xA0\xC2\xA0\xC2\xA0"));
     EXPECT_EQ (Picture (font, "\xE2\x82"), Picture (font, "\xC3\xA2\xE2\x80\x9A"));
+    EXPECT_EQ (Picture (font, "\xF0\x82\x82\xAC"), Picture (font, "\xC3\xB0\xE2\x80\x9A\xE2\x80\x9A\xC2\xAC"));
+    EXPECT_EQ (Picture (font, "\xF4\xA0\xA0\xA0"), Picture (font, "\xC3\xB4\xC2\xA0\xC2\xA0\xC2\xA0"));
+}
+
+TEST_F (Win32Fonts, EachSequenceIsTakenForItself) {
+    EXPECT_EQ (Picture (font, "\xC3\xA9 \xE9"), Picture (font, "\xE9 \xC3\xA9"));
+    EXPECT_EQ (Picture (font, "\xE9\xE2\x82\xAC"), Picture (font, "\xC3\xA9\xE2\x82\xAC"));
+    EXPECT_EQ (Width ("caf\xC3\xA9 \xE9t\xE9"), Width ("caf\xC3\xA9 ") + Width ("\xE9t\xE9"));
+}
+
+TEST_F (Win32Fonts, BytesWithoutACharacterAreSeen) {
+    for (const char *text : {"\x81", "\x8D", "\x9D"})
+        EXPECT_EQ (Picture (font, text), Picture (font, "\xEF\xBF\xBD")) << text;
+    EXPECT_NE (Picture (font, "\x81"), Picture (font, " "));
 }
 
 TEST_F (Win32Fonts, ControlCharactersAreBlanks) {

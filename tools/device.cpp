@@ -1,6 +1,6 @@
 // The session and what is drawn in it. The lock is the system's mutex, which a thread may enter twice; that a session is
-// open already is therefore asked of the owner's identifier before the mutex is touched. All else here is read and
-// written by the owner only.
+// open already is therefore asked of the thread's own mark before the mutex is touched. All else here is read and written
+// by the thread only that has entered.
 #include "tools/device.h"
 
 #include <algorithm>
@@ -25,7 +25,7 @@ int Bounded (int coordinate) { return std::clamp (coordinate, -COORDINATE_LIMIT,
 // --- reports ---------------------------------------------------------------
 
 // What is reported once only: a session is begun and ended, and a font made, far too often for more.
-enum Fault { FAULT_NESTED, FAULT_NOT_OPEN, FAULT_FONT, FAULT_COUNT };
+enum Fault { FAULT_NESTED, FAULT_NOT_OPEN, FAULT_ABANDONED, FAULT_FONT, FAULT_COUNT };
 
 static std::atomic<int> reported[FAULT_COUNT];
 
@@ -48,6 +48,12 @@ static void Report_Not_Open (void) {
     Log_Message (nullptr, LOG_ERRLOG, "No drawing session is open, none is ended");
 }
 
+static void Report_Abandoned (Window window) {
+    if (!First_Time (FAULT_ABANDONED)) return;
+    Log_Message (window, LOG_ERRLOG, "WARNING: in Device::Begin()");
+    Log_Message (window, LOG_ERRLOG, "A thread has ended in its drawing session, which is ended for it");
+}
+
 // --- regions ---------------------------------------------------------------
 
 Region *Region_Create (Window window, int x, int y, int w, int h) {
@@ -62,16 +68,16 @@ void Region_Free (Region *region) { Memory_Free (region); }
 // --- session ---------------------------------------------------------------
 
 struct Session {
-    std::atomic<System_Mutex *> lock;  // Made on first use, never destroyed.
-    std::atomic<uint64_t>       owner; // Thread that has the session; 0: none.
+    std::atomic<System_Mutex *> lock; // Made on first use, never destroyed.
     Window                      window;
     Drawing                     drawing;
     uint32_t                    colour; // Stays from session to session.
     int                         x, y;   // Current point.
 };
 
-static Session session;
-static Watcher watcher;
+static Session          session;
+static thread_local int open; // The session is this thread's. (Systems give a thread's number to a later one.)
+static Watcher          watcher;
 
 static void Tell (Call_Kind kind, int x = 0, int y = 0, int w = 0, int h = 0, uint32_t colour = 0,
                   Drawing_Font font = nullptr, const char *text = nullptr, int length = 0) {
@@ -81,7 +87,7 @@ static void Tell (Call_Kind kind, int x = 0, int y = 0, int w = 0, int h = 0, ui
 
 void Watch (Watcher new_watcher) { watcher = new_watcher; }
 
-int Is_Open (void) { return session.owner == System_Thread_Identifier (); }
+int Is_Open (void) { return open; }
 
 Window Current_Window (void) { return Is_Open () ? session.window : nullptr; }
 
@@ -104,12 +110,28 @@ static int Lock_Enter (void) {
     return wait == SYSTEM_WAIT_ENTERED;
 }
 
+static void Close (void) {
+    Drawing_End (session.drawing);
+    Tell (CALL_END);
+    session.drawing = nullptr;
+    session.window  = nullptr;
+}
+
+// The lock of a thread that ended in its session goes to the next one, but its context is still taken, and no other is
+// given for the window before it is back.
+static void Close_Abandoned (Window window) {
+    if (!session.drawing) return;
+    Report_Abandoned (window);
+    Close ();
+}
+
 int Begin (Window window, const Region *, const char *caller) {
-    if (Is_Open ()) {
+    if (open) {
         Report_Nested (window, caller);
         return 0;
     }
     if (!window || !Lock_Enter ()) return 0;
+    Close_Abandoned (window);
     session.drawing = Drawing_Begin (window);
     if (!session.drawing) {
         System_Mutex_Release (session.lock);
@@ -117,21 +139,18 @@ int Begin (Window window, const Region *, const char *caller) {
     }
     session.window = window;
     session.x = session.y = 0;
-    session.owner         = System_Thread_Identifier ();
+    open                  = 1;
     Tell (CALL_BEGIN);
     return 1;
 }
 
 void End (void) {
-    if (!Is_Open ()) {
+    if (!open) {
         Report_Not_Open ();
         return;
     }
-    Drawing_End (session.drawing);
-    Tell (CALL_END);
-    session.drawing = nullptr;
-    session.window  = nullptr;
-    session.owner   = 0;
+    Close ();
+    open = 0;
     System_Mutex_Release (session.lock);
 }
 

@@ -27,7 +27,8 @@ void    Region_Free (Region *region);                               // Accepts n
 
 // Enters the lock, which other threads wait for, and takes the window's device context. region is for the reader of the
 // code; nothing is done with it. 1, or 0 without a session: when the window can't be drawn, and when this thread has one
-// open already. That one is a mistake of the program: the first time it is reported with the caller (kind LOG_ERRLOG).
+// open already. That one is a mistake of the program: the first time it is reported with the caller (kind LOG_ERRLOG). So
+// is a thread that ended in its session, which is then ended for it.
 int Begin (Window window, const Region *region, const char *caller);
 
 // Gives the context back and leaves the lock. Without a session of this thread, reported like the other mistake.

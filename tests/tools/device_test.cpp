@@ -127,6 +127,35 @@ TEST_F (DeviceSession, IsEndedByItsOwnThreadOnly) {
     EXPECT_TRUE (Device::Is_Open ());
 }
 
+TEST_F (DeviceSession, OfAThreadThatHasEndedIsEndedForIt) {
+    Log_Recorder  log;
+    Call_Recorder calls;
+    for (int i = 0; i < 20; i++) // Often enough for a system that gives the number of a thread to the next one.
+        std::thread ([&] { EXPECT_EQ (1, Begin ()); }).join ();
+    EXPECT_FALSE (Device::Is_Open ());
+    ASSERT_EQ (1, Begin ());
+    EXPECT_EQ ("7: WARNING: in Device::Begin()\n"
+               "7: A thread has ended in its drawing session, which is ended for it\n",
+               log.All ());
+    EXPECT_EQ (21, calls.Count (Device::CALL_BEGIN));
+    EXPECT_EQ (20, calls.Count (Device::CALL_END));
+    Device::FillRect (0, -1, 6, 4);
+    EXPECT_EQ (ALL, End ());
+    EXPECT_EQ (1, Begin ());
+}
+
+TEST_F (DeviceSession, OfAThreadAndItsWindowThatAreGoneLeavesOtherWindowsAlone) {
+    Log_Recorder log;
+    {
+        Off_Screen gone (2, 2);
+        std::thread ([&] { EXPECT_EQ (1, Device::Begin (gone.window, nullptr, "thread")); }).join ();
+    }
+    ASSERT_EQ (1, Begin ());
+    EXPECT_EQ (screen.window, Device::Current_Window ());
+    Device::FillRect (0, -1, 6, 4);
+    EXPECT_EQ (ALL, End ());
+}
+
 TEST_F (DeviceSession, ExcludesManyThreads) {
     std::atomic<int>         inside {0}, overlaps {0}, sessions {0};
     std::vector<std::thread> threads;

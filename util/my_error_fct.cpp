@@ -445,6 +445,8 @@ void Log_Banner (void) {
     Log_Banner_From (&SYSTEM);
 }
 
+// Five characters: those of the version and the zero behind them, so that 21.70 is another one. What ends before is never
+// read beyond its end.
 const char *Library_Banner (const char *check) {
     static char text[LOG_PATH_SIZE];
     if (check && strncmp (check, VERSION, 5)) return nullptr;

@@ -105,7 +105,7 @@ void        Log_Banner_From (const Log_Facts *facts);
 const char *Log_System_Name (int platform, int major, int minor);   // "Windows XP"; none outside of Windows.
 
 // Who this library is; static text.
-const char *Library_Banner (const char *check); // None when check's first five characters are another version.
+const char *Library_Banner (const char *check); // None when check is another version.
 
 // --- memory of texts -------------------------------------------------------
 

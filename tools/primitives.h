@@ -53,7 +53,7 @@ void Arrow (Widget *widget, int direction, int pressed, int x1, int x2, int y1, 
 // Texts up to 128 characters lose every "&".
 void Text (Widget *widget, Drawing_Font font, const char *text, uint32_t flags, int x, int y, int w, int h, int margin);
 
-static const int DRAW_TEXT_LIMIT = 255;     // Characters that DrawText draws at most.
+static const int DRAW_TEXT_LIMIT = 255;     // Bytes that DrawText draws at most.
 
 // Inside a session: at most 255 bytes of a text with tab stops every 4 average character widths, counted from x, its
 // bottom at y. A character is never cut in its middle. Gives the x behind the text.

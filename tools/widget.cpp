@@ -46,14 +46,15 @@ static void Set_Bounds (Widget *widget) {
 }
 
 int Widget_Init (Widget *widget, Window window, const char *type) {
-    if (window) widget->window = window;
-    if (!widget->window) {
+    if (!window) window = widget->window;
+    if (!window) {
         Report_No_Window (widget, type);
         return 0;
     }
-    Device::Region *region = Device::Region_Create (widget->window, widget->x, widget->y, widget->w, widget->h);
+    Device::Region *region = Device::Region_Create (window, widget->x, widget->y, widget->w, widget->h);
     if (!region) return 0;
     Device::Region_Free (widget->region);
+    widget->window = window;
     widget->region = region;
     Set_Bounds (widget);
     widget->validity |= WIDGET_INITIALISED;

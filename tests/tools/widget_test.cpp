@@ -155,12 +155,15 @@ TEST_F (WidgetInit, WithoutMemoryChangesNothing) {
     Memory_Fail_At (0);
     EXPECT_TRUE (log.Contains ("memory error in malloc (var=region, dim=1x16)"));
     EXPECT_EQ (0, widget.validity);
+    EXPECT_EQ (nullptr, widget.window);
     EXPECT_EQ (live, Memory_Live ());
     ASSERT_EQ (1, Widget_Init (&widget, screen.window, "Boxs::Init"));
     widget.w = 4;
+    Off_Screen other (2, 2);
     Memory_Fail_At (1);
-    EXPECT_EQ (0, Widget_Init (&widget, screen.window, "Boxs::Init"));
+    EXPECT_EQ (0, Widget_Init (&widget, other.window, "Boxs::Init"));
     Memory_Fail_At (0);
+    EXPECT_EQ (screen.window, widget.window);
     EXPECT_EQ (13, widget.right);
     EXPECT_EQ (10, widget.region->w);
 }

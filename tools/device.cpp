@@ -269,8 +269,9 @@ static int Draw_Blended (int x, int y, const Part &part, uint32_t background) {
 // What lies outside of the source's rows is not drawn; how many rows there are is the caller's to know.
 void Draw_Image (int x, int y, const uint8_t *pixels, int source_x, int source_y, int w, int h, int row_pixels,
                  uint32_t background) {
-    if (!Is_Open () || !pixels || w < 1 || h < 1 || w > IMAGE_LIMIT || h > IMAGE_LIMIT || row_pixels > IMAGE_LIMIT ||
-        source_x >= row_pixels || source_x <= -w || source_y <= -h || source_y > IMAGE_LIMIT)
+    if (!Is_Open () || !pixels || w < 1 || h < 1 || row_pixels < 1 || w > IMAGE_LIMIT || h > IMAGE_LIMIT ||
+        row_pixels > IMAGE_LIMIT || source_x >= row_pixels || source_x <= -w || source_y <= -h ||
+        source_y > IMAGE_LIMIT)
         return;
     const int before = std::max (0, -source_x), above = std::max (0, -source_y);
     const int column = source_x + before, row = source_y + above;

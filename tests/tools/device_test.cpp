@@ -365,6 +365,7 @@ TEST_F (DeviceImage, OfImpossibleSizesIsNotDrawn) {
         EXPECT_EQ (NOTHING, Draw (0, 0, 0, 0, 3, size));
         EXPECT_EQ (NOTHING, Draw (0, 0, 0, 0, 3, 2, size));
     }
+    EXPECT_EQ (NOTHING, Draw (0, 0, -2, 0, 3, 2, -1)); // Columns before the start of rows that have none.
     Begin ();
     Device::Draw_Image (0, 0, nullptr, 0, 0, 3, 2, 3, 0);
     EXPECT_EQ (NOTHING, End ());

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Draws the golden pictures of tests/golden/ anew with the sources as they are, and lists those that changed. Look at each of
-# them before it is committed: from then on it is what the tests hold the program to.
+# Draws the golden pictures of tests/golden/, and README's screenshots, anew with the sources as they are, and lists those that
+# changed. Look at each of them before it is committed: from then on it is what the tests hold the program to.
 set -eu
 
 root=$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")

@@ -55,7 +55,6 @@ struct Passed_Limit {
     const char *what; // None: no limit was passed.
     int         value, limit;
     uint16_t    group, element; // Of the record, or of the sequence around the item.
-    int         is_reported;
 };
 
 static Passed_Limit passed;
@@ -66,9 +65,8 @@ static const Attribute *Attribute_Around (const Row *row) {
 }
 
 int View::Limit_Passed (const char *what, int value, int limit, const Row *row) {
-    if (passed.what) return 0;
     const Attribute *attribute = Attribute_Around (row);
-    passed                     = {what, value, limit, 0, 0, 0};
+    passed                     = {what, value, limit, 0, 0};
     if (attribute) {
         passed.group   = attribute->group;
         passed.element = attribute->element;
@@ -80,10 +78,8 @@ int View::Limit_Is_Passed (void) { return passed.what != nullptr; }
 
 static const char *Name_Or_None (const char *name) { return name && *name ? name : "no file"; }
 
-// Outside of a session. The box delivers paint events; they draw nothing any more.
+// Outside of a session. The box delivers paint events; they draw nothing any more, so that no other limit is passed.
 static void Limit_Report (Window window) {
-    if (passed.is_reported) return;
-    passed.is_reported = 1;
     Log_Message (window, LOG_ERROR,
                  "The %s of (%04X,%04X) is %d, and at most %d can be shown.\n\n(A) %s\n(B) %s\n\n"
                  "The program ends. Nothing is lost: files are only read.",

@@ -46,7 +46,7 @@ inline int Row_Is_Selected (const Row *row) { return (row->kind & ROW_SELECTED) 
 
 // --- limits ----------------------------------------------------------------
 
-// Remembers the first limit that was passed, for Limit_Report after the session; gives 0 for the caller to return.
+// Remembers a limit for the box behind the session; nothing is drawn any more then. 0, for the caller to return.
 int Limit_Passed (const char *what, int value, int limit, const Row *row);
 int Limit_Is_Passed (void);
 

@@ -163,11 +163,13 @@ static const char *Type_Icon_Name (uint16_t type) {
     return "icon_type_0.tga";
 }
 
-// Reading an icon for the first time begins the session anew, clipped to the whole pane.
+// Reading an icon for the first time begins the session anew, clipped to the whole pane. One that can't be read isn't
+// drawn: that would read it once more when only the memory for it was missing.
 static void Draw_Icon (const View::Pane *pane, int x, int y, const char *name) {
-    Icon_Read (&pane->box->widget, name);
+    const Widget *box  = &pane->box->widget;
+    const Icon   *icon = Icon_Read (box, name);
     View::Clip_Lines (pane);
-    Icon_Draw_Image (&pane->box->widget, x, y, pane->box->widget.name ? pane->box->widget.name : "", name);
+    if (icon) Icon_Draw_Image (box, x, y, box->name ? box->name : "", name);
 }
 
 // One line of texts: where it stands and how it looks.

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <limits.h>
+
 #include "tests/support/log_recorder.h"
 #include "tests/view/shown.h"
 
@@ -185,6 +187,32 @@ TEST (ViewMouse, TextPanesSelectTheirLine) {
     EXPECT_GT (watched.calls.size (), 0u);
 }
 
+// A selected row that is folded away comes back as it was; another one may be selected meanwhile.
+TEST (ViewMouse, SelectionSurvivesFolding) {
+    Shown shown;
+    Build_Sequences (&shown, 3);
+    shown.Click (Box_X (1), Box_Y (shown, 1));
+    shown.Click (200, Box_Y (shown, 3));
+    ASSERT_TRUE (Is_Selected (3));
+    shown.Click (Box_X (1), Box_Y (shown, 1));
+    ASSERT_EQ (-1, Rows.rows[3].line);
+    EXPECT_TRUE (Is_Selected (3));
+    EXPECT_EQ (3, Rows.selected);
+    Watched watched;
+    shown.Click (Box_X (1), Box_Y (shown, 1));
+    ASSERT_NE (nullptr, watched.Text ("(0008,0100)"));
+    EXPECT_EQ (View::Font (View::FONT_BOLD), watched.Text ("(0008,0100)")->font);
+
+    shown.Click (Box_X (1), Box_Y (shown, 1));
+    shown.Click (200, Box_Y (shown, 2));
+    EXPECT_FALSE (Is_Selected (3));
+    EXPECT_TRUE (Is_Selected (Rows_At (2)));
+    watched.calls.clear ();
+    shown.Click (Box_X (1), Box_Y (shown, 1));
+    ASSERT_NE (nullptr, watched.Text ("(0008,0100)"));
+    EXPECT_EQ (View::Font (View::FONT_REGULAR), watched.Text ("(0008,0100)")->font);
+}
+
 TEST (ViewMouse, RootTurnsBoldAtOnce) {
     Shown shown;
     shown.Many (3);
@@ -217,6 +245,17 @@ TEST (ViewMouse, HeadingStripsAndEmptySpaceDoNothing) {
     }
     for (int row = 0; row < Rows.count; row++) EXPECT_FALSE (Is_Selected (row)) << row;
     EXPECT_EQ (0, watched.Count ("(0009,0000)"));
+}
+
+TEST (ViewMouse, SlidersMarginDoesNothing) {
+    Shown shown (900, 500);
+    shown.Many (100);
+    const Widget &tree = Result.tree.widget;
+    for (int x = tree.x + tree.w - 5; x <= tree.x + tree.w; x++) shown.Click (x, shown.Band (3) + 5);
+    for (int x = tree.x + tree.w - 28; x < tree.x + tree.w - 22; x++) shown.Click (x, shown.Band (3) + 5);
+    for (int row = 0; row < Rows.count; row++) EXPECT_FALSE (Is_Selected (row)) << row;
+    shown.Click (tree.x + tree.w - 29, shown.Band (3) + 5);
+    EXPECT_TRUE (Is_Selected (3));
 }
 
 TEST (ViewMouse, LineUnderTheHeadingIsNotHit) {
@@ -462,6 +501,42 @@ TEST (ViewMouse, DragLaysOutAndEndsWithTheButton) {
     EXPECT_EQ (WINDOW_CURSOR_ARROW, Window_Cursor_Get (shown.window));
 }
 
+// A press of which no release came before belongs to the drag.
+TEST (ViewMouse, PressDuringADragIsPartOfIt) {
+    Shown shown (1000, 500);
+    shown.Place (400, 700);
+    shown.Many (3);
+    shown.Press (404, 100);
+    shown.Move (350, 100);
+    shown.Press (100, Box_Y (shown, 1));
+    EXPECT_FALSE (Is_Selected (1));
+    shown.Move (300, 100);
+    EXPECT_EQ (296, Result.left);
+    shown.Release (300, 100);
+}
+
+// Also numbers that no sum may be made of.
+TEST (ViewMouse, AnyPointerIsTaken) {
+    static const int ENDS[] = {INT_MIN, INT_MIN + 1, -32769, 32768, INT_MAX};
+    Shown            shown (1000, 500);
+    shown.Place (400, 700);
+    shown.Many (3);
+    for (int x : ENDS) {
+        for (int y : ENDS) {
+            shown.Click (x, y); // Nothing is there.
+            shown.Press (Result.left_separator.widget.x + 4, Result.strip_separator.widget.y + 2);
+            shown.Move (x, y);
+            shown.Release (x, y);
+            EXPECT_TRUE (Result.left == 8 || Result.left == 962) << x;
+            EXPECT_TRUE (Result.strip_height == 8 || Result.strip_height == 492) << y;
+            EXPECT_GE (Result.right, Result.left + 18) << x;
+            EXPECT_LE (Result.right, 980) << x;
+            shown.Place (400, 700);
+        }
+    }
+    for (int row = 0; row < Rows.count; row++) EXPECT_FALSE (Is_Selected (row)) << row;
+}
+
 // A release that another window got.
 TEST (ViewMouse, MoveWithoutButtonEndsTheDrag) {
     Shown shown (1000, 500);
@@ -493,17 +568,9 @@ TEST (ViewMouse, DraggedPictureIsThatOfAFreshLayout) {
     shown.Press (404, 100);
     shown.Move (304, 100);
     shown.Release (304, 100);
-    auto picture = [&] {
-        std::vector<uint32_t> pixels;
-        Drawing               drawing = Drawing_Begin (shown.window);
-        for (int y = 0; y < 500; y++)
-            for (int x = 0; x < 1000; x++) pixels.push_back (Drawing_Pixel (drawing, x, y));
-        Drawing_End (drawing);
-        return pixels;
-    };
-    std::vector<uint32_t> dragged = picture ();
+    std::vector<uint32_t> dragged = shown.Picture ();
     shown.Place (300, 700);
-    std::vector<uint32_t> fresh = picture ();
+    std::vector<uint32_t> fresh = shown.Picture ();
     int                   other = 0;
     for (size_t i = 0; i < fresh.size (); i++) other += fresh[i] != dragged[i];
     EXPECT_EQ (0, other);

@@ -300,6 +300,38 @@ TEST (ResultView, FontsAreMadeOnce) {
     for (int i = 0; i < View::FONT_COUNT; i++) EXPECT_EQ (nullptr, View::Font (static_cast<View::View_Font> (i)));
 }
 
+static int          fonts_asked;
+static Drawing_Font No_Font (const char *, int, int, int) {
+    fonts_asked++;
+    return nullptr;
+}
+
+// The system's font stands in, and the missing ones aren't asked for at every repaint.
+TEST (ResultView, WithoutFontsTheSystemsIsUsed) {
+    Shown        shown;
+    Log_Recorder log;
+    View::Exit ();
+    Shown_Layout (shown.window, 1400, 600);
+    fonts_asked = 0;
+    Device::Font_Maker_Set (No_Font);
+    Watched watched;
+    View::Redraw_All ();
+    shown.Many (2);
+    const int asked = fonts_asked;
+    watched.calls.clear ();
+    View::Redraw_All ();
+    Device::Font_Maker_Set (nullptr);
+    EXPECT_EQ (asked, fonts_asked);
+    ASSERT_EQ (1, watched.Count ("(0009,0000)"));
+    EXPECT_EQ (nullptr, watched.Text ("(0009,0000)")->font);
+    EXPECT_EQ (shown.Band (1) - 4, watched.Text ("(0009,0000)")->y);
+    const int vr = shown.Width (nullptr, "LO");
+    EXPECT_GT (vr, 0);
+    EXPECT_EQ (12 + 290 - vr, watched.Text ("LO")->x);
+    EXPECT_EQ (1, watched.Count ("Description"));
+    Device::Reports_Reset ();
+}
+
 TEST (ResultView, ExitReleasesAllMemory) {
     const long before = Memory_Live ();
     {

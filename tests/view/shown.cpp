@@ -219,6 +219,17 @@ uint32_t Shown::Pixel (int x, int y) const {
     return pixel;
 }
 
+std::vector<uint32_t> Shown::Picture () const {
+    std::vector<uint32_t> pixels;
+    int                   width, height;
+    Window_Client_Size (window, &width, &height);
+    Drawing drawing = Drawing_Begin (window);
+    for (int y = 0; y < height; y++)
+        for (int x = 0; x < width; x++) pixels.push_back (Drawing_Pixel (drawing, x, y));
+    Drawing_End (drawing);
+    return pixels;
+}
+
 int Shown::Band (int line) const {
     const Widget &tree = Result.tree.widget;
     return static_cast<int> (Result.vertical.value) - 6 + tree.h + tree.y - 36 - 18 * line;

@@ -42,6 +42,7 @@ struct Shown {
     void     Release (int x, int y);
     void     Click (int x, int y);
     uint32_t Pixel (int x, int y) const;
+    std::vector<uint32_t> Picture () const;         // The whole window.
     int      Band (int line) const;                 // Bottom of a line's band in the tree pane, as it is written down.
     int      Width (Drawing_Font font, const std::string &text) const;
 };

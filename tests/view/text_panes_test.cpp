@@ -93,6 +93,41 @@ TEST (ValuePane, NeverMoreThan255Characters) {
     EXPECT_EQ (1, watched.Count (std::string (255, 'v')));
 }
 
+// Whatever the bytes are, the lines around theirs stay as they are.
+TEST (ValuePane, ValuesOfAnyBytesStayOnTheirLine) {
+    Shown      shown (1200, 400);
+    Attribute *a = shown.Record (0x0008, 0x0001), *b = shown.Record (0x0008, 0x0002),
+              *c = shown.Record (0x0008, 0x0003);
+    Set_Value (&shown, a, "above");
+    Set_Value (&shown, c, "below");
+    shown.Build (shown.List ({a, b, c}));
+    auto others = [&] {
+        const Widget         &value = Result.value.widget;
+        std::vector<uint32_t> pixels;
+        Drawing               drawing = Drawing_Begin (shown.window);
+        for (int x = 0; x < 1200; x++)
+            for (int y = 0; y < 400; y++)
+                if (x <= value.x || x >= value.x + value.w || y < shown.Band (2) - 5 || y > shown.Band (2) + 15)
+                    pixels.push_back (Drawing_Pixel (drawing, x, y));
+        Drawing_End (drawing);
+        return pixels;
+    };
+    std::vector<uint32_t> before = others ();
+    std::string           controls;
+    for (int code = 1; code < 32; code++) controls += static_cast<char> (code);
+    for (const std::string &text :
+         {std::string ("one\ntwo\r\nthree\n\n\n"), controls, std::string ("\t\t\t") + controls,
+          std::string ("\x7F\x80\xFF\xFE\xC0\xC1\xF5 \xE2\x82 \xED\xA0\x80 \xF4\x90\x80\x80"),
+          std::string (10000, '\n'), std::string (10000, 'W'), std::string (10000, '\xFF'), std::string (300, '\t'),
+          std::string ("\xC3")}) {
+        Set_Value (&shown, b, text);
+        Watched watched;
+        View::Redraw_All ();
+        EXPECT_TRUE (before == others ()) << text.substr (0, 20);
+        for (const Drawn &call : watched.calls) EXPECT_LE (call.text.size (), 255u);
+    }
+}
+
 // --- descriptions ----------------------------------------------------------
 
 TEST (DescriptionPane, TextsAndHeading) {

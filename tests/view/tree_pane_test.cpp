@@ -4,6 +4,8 @@
 #include "tests/support/log_recorder.h"
 #include "tests/view/shown.h"
 #include "tools/icon.h"
+#include "util/memory.h"
+#include "util/my_error_fct.h"
 
 static const uint32_t RED   = Drawing_Colour (255, 0, 0);
 static const uint32_t WHITE = Drawing_Colour (255, 255, 255);
@@ -198,6 +200,36 @@ TEST (TreePane, UsedByFileRepeatsTheVrOnly) {
     EXPECT_EQ (1, watched.Count ("used by file"));
 }
 
+// Also those of the repaint before: the first line's are then the last line's.
+TEST (TreePane, LabelsOutliveTheRepaint) {
+    Shown shown;
+    shown.Build (shown.List ({shown.Record (0x0008, 0x0001, DIFFERENCE_BYTES | DIFFERENCE_VR, "UT", 99),
+                              shown.Record (0x0008, 0x0002, DIFFERENCE_ONLY_A, "PN", 11)}));
+    View::Redraw_All ();
+    Watched watched;
+    View::Redraw_All ();
+    EXPECT_EQ (2, watched.Count ("PN"));
+    EXPECT_EQ (2, watched.Count ("11"));
+    EXPECT_EQ (1, watched.Count ("absent in B")); // The root has an empty label of its own.
+}
+
+// Only the second pass makes them, a row once.
+TEST (TreePane, RowsAboveTheFirstLineMakeNoLabels) {
+    Shown                    shown (1400, 300);
+    std::vector<Attribute *> list;
+    for (int i = 0; i < 100; i++)
+        list.push_back (shown.Record (0x0009, static_cast<uint16_t> (i), DIFFERENCE_BYTES | DIFFERENCE_VR, "UT", 99));
+    list[0]->flags   = DIFFERENCE_ONLY_A;
+    list[0]->vr_file = VR_PN;
+    list[40]->flags  = DIFFERENCE_ONLY_B;
+    shown.Build (shown.List (list));
+    shown.Scroll (18 * 38);
+    Watched watched;
+    shown.Scroll (18 * 60);
+    EXPECT_EQ (0, watched.Count ("absent in B"));
+    EXPECT_GT (watched.Count ("absent in A"), 5); // Of the repaint before.
+}
+
 // The label of an item is made though it isn't shown.
 TEST (TreePane, ItemsTakePartInTheLabels) {
     Shown shown;
@@ -281,6 +313,8 @@ TEST (TreePane, AncestorsAreDrawnUntilTheirLastRow) {
     };
     for (int line : {2, 3, 4, 5}) EXPECT_EQ (1, ancestor (line, 0)) << line;
     for (int line : {7, 8}) EXPECT_EQ (0, ancestor (line, 0)) << line;
+    EXPECT_EQ (0, ancestor (1, 0)); // Its own level is no ancestor.
+    EXPECT_EQ (0, ancestor (2, 1));
     EXPECT_EQ (1, ancestor (3, 1));
     EXPECT_EQ (0, ancestor (5, 1));
     EXPECT_EQ (0, ancestor (8, 1));
@@ -385,13 +419,17 @@ TEST (TreePane, ItemHasADot) {
     EXPECT_EQ (1, found);
 }
 
+static void Forget_Icons () {
+    static const std::string folder = std::string (TAGWRIGHT_SOURCE_DIR) + "/";
+    Icon_Free_All ();
+    Icon_Install_Path_Set (folder.c_str ());
+}
+
 // Reading an icon begins the session anew; what follows is clipped as before.
 TEST (TreePane, FirstReadingOfAnIconKeepsTheClip) {
     Shown shown;
     shown.Build (shown.Record (0x0008, 0x0001));
-    Icon_Free_All ();
-    static const std::string folder = std::string (TAGWRIGHT_SOURCE_DIR) + "/";
-    Icon_Install_Path_Set (folder.c_str ());
+    Forget_Icons ();
     Watched watched;
     View::Redraw_All ();
     const Widget &tree  = Result.tree.widget;
@@ -408,6 +446,65 @@ TEST (TreePane, FirstReadingOfAnIconKeepsTheClip) {
     EXPECT_EQ (1, image);
     EXPECT_EQ (watched.Count (Device::CALL_BEGIN), watched.Count (Device::CALL_END));
     EXPECT_FALSE (Device::Is_Open ());
+}
+
+// Lines, images and texts of a pane's rows that were drawn under another clip than that of its lines.
+static int Drawn_Beside_The_Lines (const Watched &watched) {
+    const Widget &tree  = Result.tree.widget;
+    Drawn         clip  = {};
+    int           clips = 0, wrong = 0;
+    for (const Drawn &call : watched.calls) {
+        if (call.kind == Device::CALL_CLIP_ALL) break; // The tree pane is done.
+        if (call.kind == Device::CALL_CLIP) {
+            clip = call;
+            clips++;
+        }
+        if (clips < 2 || (call.kind != Device::CALL_LINE && call.kind != Device::CALL_IMAGE &&
+                          call.kind != Device::CALL_TEXT && call.kind != Device::CALL_FILL))
+            continue; // The heading's clip is the first one.
+        wrong += clip.y + clip.h + 1 != tree.y + tree.h - VIEW_HEADING || clip.y + 1 != tree.y + VIEW_STRIP ||
+                 clip.x + clip.w != tree.x + tree.w - VIEW_STRIP || clip.x != tree.x + 1;
+    }
+    return wrong;
+}
+
+// Wherever the memory for an icon is missing, it may be read once more when it is drawn.
+TEST (TreePane, ReadingOfAnIconWithoutMemoryKeepsTheClip) {
+    Shown shown (1400, 300);
+    shown.Many (30);
+    shown.Scroll (9); // A line is cut by the heading.
+    int n = 0;
+    for (int failed = 1; failed;) {
+        Forget_Icons ();
+        Watched watched;
+        Memory_Fail_At (++n);
+        View::Redraw_All ();
+        failed = Memory_Failed ();
+        Memory_Fail_At (0);
+        EXPECT_EQ (0, Drawn_Beside_The_Lines (watched)) << n;
+        EXPECT_EQ (watched.Count (Device::CALL_BEGIN), watched.Count (Device::CALL_END)) << n;
+    }
+    EXPECT_GT (n, 3);
+}
+
+// The first picture, with all icons read meanwhile, is the same as the next one.
+TEST (TreePane, FirstReadingOfAllIconsChangesNothingElse) {
+    Shown                    shown (1000, 400);
+    std::vector<Attribute *> list;
+    for (const char *type : {"1 ", "1C", "2 ", "2C", "3 ", ""}) {
+        list.push_back (shown.Sequence (0x0008, 0x1140, {shown.Record (0x0008, 0x0100)}));
+        list.back ()->type = *type ? Code (type[0], type[1]) : static_cast<uint16_t> (0);
+    }
+    shown.Build (shown.List (list));
+    shown.Unfold_All ();
+    Rows_Select (3);
+    Forget_Icons ();
+    shown.Scroll (25);
+    std::vector<uint32_t> first = shown.Picture ();
+    Watched               watched;
+    View::Redraw_All ();
+    EXPECT_EQ (3, watched.Count (Device::CALL_BEGIN)); // None is read any more.
+    EXPECT_TRUE (first == shown.Picture ());
 }
 
 TEST (TreePane, MissingIconsAreLeftOutAndReportedOnce) {
@@ -484,10 +581,69 @@ TEST (TreePane, MoreThanHundredLevelsEndTheProgram) {
     watched.calls.clear ();
     View::Redraw_All (); // and nothing is drawn any more, nor said.
     View::ResetView (shown.window);
+    EXPECT_EQ (1, View::SetScrollRanges (&Result.tree, &Result.description, &Result.value, &Result.vertical,
+                                         &Result.tree_slider, &Result.description_slider, &Result.value_slider));
     View::OnButton (shown.window, MOUSE_PRESSED);
     View::OnMouseMove (shown.window, 1);
     EXPECT_TRUE (watched.calls.empty ());
     EXPECT_EQ (1, log.Count (LOG_ERROR));
+}
+
+// Sequences and their items take turns, one level each; an attribute stands in the innermost item.
+static void Build_Nested (Shown *shown, int sequences) {
+    Attribute *record = shown->Record (0x0008, 0x0100);
+    for (int i = 0; i < sequences; i++) record = shown->Sequence (0x0040, static_cast<uint16_t> (i), {record});
+    shown->Build (record);
+}
+
+TEST (TreePane, HundredAndOneLevelsMayBeFoldedAway) {
+    Shown        shown (2600, 2400);
+    Log_Recorder log;
+    shown.Place (2000, 2300);
+    Build_Nested (&shown, 50);
+    ASSERT_EQ (101, Rows.rows[Rows.count - 1].level);
+    for (int line = 1; line < 100; line++)
+        if (Rows.rows[line].kind & ROW_FOLDED) {
+            ASSERT_EQ (1, Rows_Toggle (line, line - 1));
+        }
+    EXPECT_EQ (102, Rows.visible);
+    ASSERT_EQ (1, Rows_Toggle (100, 99));
+    Watched watched;
+    View::ResetView (shown.window);
+    EXPECT_EQ (0, log.Count (LOG_ERROR));
+    EXPECT_EQ (1, watched.Count ("(0040,0000)")); // All hundred are seen.
+    EXPECT_EQ (
+        1, watched.Lines (12 + 18 * 99 + 12, shown.Band (100) + 5, 12 + 18 * 99 + 19, shown.Band (100) + 5, VIEW_BLUE));
+    shown.Click (12 + 18 * 99 + 7, shown.Band (100) + 5);
+    EXPECT_EQ (1, log.Count (LOG_ERROR, "The nesting level of (0008,0100) is 101, and at most 100 can be shown."));
+    EXPECT_EQ (View::FATAL_EXIT, Window_Loop ());
+}
+
+static int told_inside, told;
+
+static int Look_At_Session (Window, int kind, const char *) {
+    if (kind != LOG_ERROR) return 1;
+    told++;
+    told_inside += Device::Is_Open ();
+    View::Redraw_All (); // As the events that a box lets in do.
+    View::ResetView (Result.tree.widget.window);
+    return 1;
+}
+
+TEST (TreePane, LimitIsToldOutsideOfTheSessionAndOnce) {
+    Shown shown;
+    shown.Build (shown.Record (0x0008, 0x1140));
+    Rows.rows[1].level = 101;
+    told = told_inside = 0;
+    Watched watched;
+    Log_Sink_Set (Look_At_Session);
+    View::Redraw_All ();
+    Log_Sink_Set (nullptr);
+    EXPECT_EQ (1, told);
+    EXPECT_EQ (0, told_inside);
+    EXPECT_EQ (1, watched.Count (Device::CALL_BEGIN));
+    EXPECT_EQ (Device::CALL_END, watched.calls.back ().kind);
+    EXPECT_EQ (View::FATAL_EXIT, Window_Loop ());
 }
 
 TEST (TreePane, LimitCountsAboveTheFirstLineSeen) {

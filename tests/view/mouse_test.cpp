@@ -289,6 +289,8 @@ TEST (ViewMouse, TextListScrollsEvenWithoutRows) {
     const Widget &slider = Result.text.slider.widget;
     shown.Click (slider.x + slider.w / 2, slider.y + slider.h - 3);
     EXPECT_LT (Result.text.line_top, before);
+    EXPECT_EQ (0, Result.text.slider.pressed); // Let go.
+    EXPECT_EQ (0, Result.text.slider.drag);
 }
 
 TEST (ViewMouse, PointerOverTheTextListMakesItActive) {

@@ -1,8 +1,11 @@
 # tagwright_test (platform NAME_test.cpp ...)
 
 if (WIN32)
-    tagwright_test (platform win32_child.cpp win32_drawing_test.cpp win32_registry_test.cpp win32_system_test.cpp
-        win32_window_test.cpp)
+    tagwright_test (platform
+        win32_child.cpp win32_drawing_test.cpp win32_drop.cpp win32_program.cpp win32_program_test.cpp
+        win32_registry_test.cpp win32_scenes_test.cpp win32_system_test.cpp win32_window_test.cpp ../support/program.cpp)
+    target_link_libraries (platform_test PRIVATE gdiplus) # Decodes golden pictures.
+    add_dependencies (platform_test tagwright)
 else ()
     tagwright_test (platform
         posix_log_test.cpp posix_picture_test.cpp posix_system_test.cpp posix_window_test.cpp sdl_drawing_test.cpp

@@ -6,9 +6,8 @@
 
 #include <windows.h>
 
-#include <shlobj.h>
-
 #include "platform/system.h"
+#include "tests/platform/win32_drop.h"
 
 static const char ROLE[]     = "TAGWRIGHT_TEST_ROLE";
 static const char ARGUMENT[] = "TAGWRIGHT_TEST_ARGUMENT";
@@ -37,28 +36,10 @@ static unsigned long Write_To_Console (const char *text) {
     return strcmp (shown, text) ? CONSOLE_DIFFERENT : CONSOLE_SHOWS;
 }
 
-// Memory of another process with these bytes.
-static void *Memory_Of_Other (HWND window, const void *bytes, size_t size) {
-    DWORD process = 0;
-    GetWindowThreadProcessId (window, &process);
-    HANDLE other  = OpenProcess (PROCESS_VM_OPERATION | PROCESS_VM_WRITE, FALSE, process);
-    void  *memory = VirtualAllocEx (other, nullptr, size, MEM_COMMIT, PAGE_READWRITE);
-    if (memory && !WriteProcessMemory (other, memory, bytes, size, nullptr)) memory = nullptr;
-    CloseHandle (other);
-    return memory;
-}
-
-// Drops two files on the window with this title, as a program does from which they are dragged. Wine doesn't take the
-// list along to the other process, so it is put there. 0 when the window got it.
+// Drops two files on the window with this title. 0 when they are on their way.
 static int Drop_On (const char *title) {
-    struct {
-        DROPFILES facts;
-        wchar_t   names[40];
-    } drop = {{sizeof (DROPFILES), {}, FALSE, TRUE}, L"C:\\from another.dcm\0D:\\\u00E9t\u00E9.dcm\0"};
-
-    HWND  window = FindWindowA (nullptr, title);
-    void *memory = window ? Memory_Of_Other (window, &drop, sizeof drop) : nullptr;
-    return memory && PostMessageA (window, WM_DROPFILES, reinterpret_cast<WPARAM> (memory), 0) ? 0 : 1;
+    HWND window = FindWindowA (nullptr, title);
+    return window && Drop_Post (window, {L"C:\\from another.dcm", L"D:\\\u00E9t\u00E9.dcm"}) ? 0 : 1;
 }
 
 static int Role_Run (const char *role, const char *argument) {

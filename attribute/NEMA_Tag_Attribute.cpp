@@ -1,12 +1,14 @@
 // The store. Lists are searched from their start by rule, but files are written in tag order and walks go through lists
 // in that order, so the first record of a list remembers where the last search ended (seek): the next search goes on from
-// there when the list is in order, and an item is entered without any search while its sequence stays the same. What is
-// found is what the search from the start would find.
+// there when the list is in order, and an item is entered without any search while its sequence stays the same. Tags that
+// come in no order are found by short cuts (attribute/list_index.h) once the walks get long. What is found is what the
+// search from the start would find.
 #include "attribute/NEMA_Tag_Attribute.h"
 
 #include <stdio.h>
 
 #include "attribute/NEMA_Tag_Copy.h"
+#include "attribute/list_index.h"
 #include "attribute/messages.h"
 #include "attribute/value.h"
 #include "util/text.h"
@@ -32,20 +34,83 @@ static Attribute *List_Search_Start (Attribute *first, uint16_t group, uint16_t 
     return order == 0 || (order < 0 && !first->unordered) ? seek : first;
 }
 
-// First record of the list with exactly this tag, or none.
-static Attribute *List_Find (Attribute *first, uint16_t group, uint16_t element) {
-    Attribute *run = nullptr; // First record of the run of equal tags that the search is in.
-    for (Attribute *record = List_Search_Start (first, group, element); record; record = record->next) {
-        int order = Tag_Compare_To (record, group, element);
-        if (order == 0) {
-            first->seek = record;
-            return record;
-        }
-        if (order > 0 && !first->unordered) break;
-        if (!run || Tag_Compare_To (run, record->group, record->element) != 0) run = record;
+static const int32_t STEPS_NEAR = 4;  // Of a walk before short cuts are asked: tags mostly come in order.
+static const int32_t STEPS_LONG = 24; // Of a walk behind a landmark that is worth another one,
+static const int32_t STEPS_HALF = 12; // and where it is put.
+
+// First record of a list that isn't in order with exactly this tag, or none.
+static Attribute *Unordered_Find (Window window, Attribute *first, uint16_t group, uint16_t element) {
+    Attribute *record = List_Search_Start (first, group, element);
+    int32_t    steps  = 0;
+    if (record == first && !List_Index_Find (first, group, element, &record)) {
+        for (; record && Tag_Compare_To (record, group, element) != 0; record = record->next) steps++;
+        List_Index_Walked (window, first, LIST_TABLE, steps);
     }
-    if (run && !first->unordered) first->seek = run;
-    return nullptr;
+    if (record) first->seek = record;
+    return record;
+}
+
+// A walk through tags that are smaller than the one sought, or not greater.
+struct List_Walk {
+    Attribute *record;   // The last one that the walk may stand on.
+    Attribute *run;      // The first record with its tag.
+    Attribute *half;     // A record on the way that may become a landmark.
+    int32_t    landmark; // From which it went on, -1 for none.
+    int32_t    steps;
+};
+
+// Goes on while the next record's tag is smaller (or_equal: not greater), limit steps at most. 1 when it came to its end.
+static int Walk_On (List_Walk *walk, uint16_t group, uint16_t element, int or_equal, int32_t limit) {
+    for (; limit > 0; limit--) {
+        Attribute *next = walk->record->next;
+        if (!next || Tag_Compare_To (next, group, element) >= or_equal) return 1;
+        walk->record = next;
+        walk->steps++;
+        if (Tag_Compare_To (next, walk->run->group, walk->run->element) == 0) continue;
+        walk->run = next;
+        if (!walk->half && walk->steps >= STEPS_HALF) walk->half = next;
+    }
+    return 0;
+}
+
+// The walk from start, which is the first record of the list or one that stands before the tag, to its end.
+static List_Walk Walk_From (Window window, Attribute *first, Attribute *start, uint16_t group, uint16_t element,
+                            int or_equal) {
+    List_Walk walk = {start, start, nullptr, -1, 0};
+    if (Walk_On (&walk, group, element, or_equal, STEPS_NEAR)) return walk;
+
+    int32_t landmark = List_Index_Landmark (first, group, element, or_equal);
+    if (landmark >= 0) {
+        Attribute *record = List_Index_Record (first, landmark);
+        if (first->unordered ||
+            Tag_Compare (walk.record->group, walk.record->element, record->group, record->element) < 0)
+            walk = {record, record, nullptr, landmark, 0};
+    }
+    Walk_On (&walk, group, element, or_equal, INT32_MAX);
+    if (walk.landmark >= 0 && walk.steps > STEPS_LONG && walk.half)
+        List_Index_Add (window, first, walk.landmark, walk.half);
+    List_Index_Walked (window, first, LIST_LANDMARKS, walk.steps);
+    return walk;
+}
+
+// First record of the list with exactly this tag, or none.
+static Attribute *List_Find (Window window, Attribute *first, uint16_t group, uint16_t element) {
+    if (first->unordered) return Unordered_Find (window, first, group, element);
+
+    Attribute *start = List_Search_Start (first, group, element);
+    int        order = Tag_Compare_To (start, group, element);
+    if (order > 0) return nullptr;
+    if (order < 0) {
+        List_Walk  walk  = Walk_From (window, first, start, group, element, 0);
+        Attribute *found = walk.record->next;
+        if (!found || Tag_Compare_To (found, group, element) != 0) {
+            first->seek = walk.run;
+            return nullptr;
+        }
+        start = found;
+    }
+    first->seek = start;
+    return start;
 }
 
 // The final record. last is nearly always it; a record inserted in tag order may have become last in front of others.
@@ -61,6 +126,7 @@ static void List_Append (Attribute *first, Attribute *record) {
     if (Tag_Compare_To (end, record->group, record->element) > 0) first->unordered = 1;
     end->next   = record;
     first->last = record;
+    List_Index_Appended (first, record);
 }
 
 // Takes the record behind previous (none: the first one) out of the list at place and releases it.
@@ -68,6 +134,7 @@ static void List_Remove (Window window, Attribute **place, Attribute *previous) 
     Attribute *first   = *place;
     Attribute *removed = previous ? previous->next : first;
     first->seek        = nullptr;
+    List_Index_Free (first);
     if (previous) {
         previous->next = removed->next;
         if (first->last == removed) first->last = previous;
@@ -77,6 +144,7 @@ static void List_Remove (Window window, Attribute **place, Attribute *previous) 
             successor->last      = removed->last == removed ? successor : removed->last;
             successor->unordered = removed->unordered;
             successor->seek      = nullptr;
+            successor->walked    = removed->walked;
         }
         *place = successor;
     }
@@ -135,7 +203,7 @@ Attribute **DICOM_Attribute_Item_Slot (Window window, SequenceCursor *cursor, At
     int32_t index = DICOM_Attribute_Sequence_End (window, cursor, level + 1);
     if (index < 0) index = 0;
 
-    Attribute *sequence = List_Find (first, cursor->group[level], cursor->element[level]);
+    Attribute *sequence = List_Find (window, first, cursor->group[level], cursor->element[level]);
     if (sequence) {
         Memory_Site site = HERE ("pt->item", sequence->nb_item + 1, SLOT_SIZE_STATED);
         return Attribute_Grow_Items (window, site, sequence, index + 1) ? &sequence->item[index] : nullptr;
@@ -182,7 +250,7 @@ Attribute *DICOM_Attribute_Get (Window window, SequenceCursor *cursor, Attribute
 Attribute *DICOM_Attribute_Get_Exact (Window window, SequenceCursor *cursor, Attribute *first, uint16_t group,
                                       uint16_t element) {
     Attribute **place = Descend (window, cursor, &first, GET_TRACE, group, element);
-    return place && *place ? List_Find (*place, group, element) : nullptr;
+    return place && *place ? List_Find (window, *place, group, element) : nullptr;
 }
 
 int DICOM_Attribute_Tag_Match (const char *pattern_group, const char *pattern_element, uint16_t group,
@@ -252,8 +320,10 @@ static void List_Prepend (Attribute **place, Attribute *record) {
     Attribute *former = *place;
     record->next      = former;
     record->last      = record;
-    if (former) record->unordered = former->unordered;
-    *place = record;
+    *place            = record;
+    if (!former) return;
+    record->unordered = former->unordered;
+    List_Index_Moved (former, record);
 }
 
 // Puts a new record behind previous, as tag order wants it.
@@ -262,6 +332,7 @@ static void List_Link_Behind (Attribute *first, Attribute *previous, Attribute *
     previous->next = record;
     first->last    = record;
     first->seek    = first->unordered ? nullptr : record;
+    List_Index_Placed (first, record);
 }
 
 Attribute *DICOM_Attribute_Find_Or_Insert (Window window, SequenceCursor *cursor, Attribute **place, uint16_t group,
@@ -273,13 +344,10 @@ Attribute *DICOM_Attribute_Find_Or_Insert (Window window, SequenceCursor *cursor
     Attribute *first    = *place;
     Attribute *previous = nullptr; // The last record that is not greater, or the first one.
     if (first) {
-        previous       = first->unordered ? first : List_Search_Start (first, group, element);
-        Attribute *run = previous; // The first record with the tag of previous.
-        while (previous->next && Tag_Compare_To (previous->next, group, element) <= 0) {
-            previous = previous->next;
-            if (Tag_Compare_To (previous, run->group, run->element) != 0) run = previous;
-        }
-        if (!first->unordered) first->seek = run;
+        Attribute *start = first->unordered ? first : List_Search_Start (first, group, element);
+        List_Walk  walk  = Walk_From (window, first, start, group, element, 1);
+        previous         = walk.record;
+        if (!first->unordered) first->seek = walk.run;
         if (Tag_Compare_To (previous, group, element) == 0) return previous;
     }
 
@@ -378,6 +446,7 @@ void DICOM_Attribute_Free (Window window, Attribute *attribute) {
         }
     }
     Value_Release (attribute);
+    if (attribute->index) List_Index_Free (attribute);
     Memory_Free (attribute->item);
     Memory_Free (attribute->description);
     Memory_Free (attribute);

@@ -5,6 +5,7 @@
 #include <stdint.h>
 
 struct Dictionary_Entry;
+struct List_Index;
 struct Value_Block;
 
 // --- two-character codes ---------------------------------------------------
@@ -104,6 +105,8 @@ struct Attribute {
 
     Value_Block *block;         // What data points into: one reference of it is owned. None when data is none.
     Attribute   *seek;          // First record of a list only: where the last search of the list ended, a hint.
+    List_Index  *index;         // First record of a list only: owned, of attribute/list_index.h, or none.
+    int32_t      walked;        // First record of a list only: steps of searches that count towards an index.
     uint8_t      unordered;     // First record of a list only: 1 when some record is smaller than the one before it.
 };
 

@@ -15,6 +15,7 @@
 #include "attribute/sort.h"
 
 #include "attribute/NEMA_Tag_Attribute.h"
+#include "attribute/list_index.h"
 #include "attribute/messages.h"
 #include "util/memory.h"
 
@@ -287,6 +288,8 @@ static void Forget_Places (Attribute *first) {
     first->last      = nullptr;
     first->seek      = nullptr;
     first->unordered = 0;
+    List_Index_Free (first);
+    first->walked = 0;
 }
 
 static int Sort_List (Window window, const SequenceCursor *cursor, Attribute **place) {

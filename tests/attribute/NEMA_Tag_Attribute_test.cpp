@@ -2,8 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <string>
+#include <utility>
+#include <vector>
 
+#include "attribute/sort.h"
 #include "attribute/value.h"
 #include "tests/support/lists.h"
 #include "tests/support/log_recorder.h"
@@ -310,6 +315,151 @@ TEST (NemaTagAttribute, OrderedPlacementInAnyOrderGivesASortedList) {
     }
     for (Attribute *record = list.first; record->next; record = record->next)
         ASSERT_LT (Tag_Compare (record->group, record->element, record->next->group, record->next->element), 0);
+}
+
+// --- long lists ------------------------------------------------------------
+
+// What the store does with one list, done by walking from its start: the rule that every short cut has to agree with.
+struct Plain_List {
+    std::vector<std::pair<uint32_t, const Attribute *>> records;
+
+    const Attribute *Get (uint32_t tag) const {
+        for (const auto &record : records)
+            if (record.first == tag) return record.second;
+        return nullptr;
+    }
+    // The place of the record with the tag, or, with found 0, the one where a new one belongs.
+    size_t Place (uint32_t tag, int *found) const {
+        size_t at = 0;
+        *found    = 0;
+        if (records.empty ()) return 0;
+        while (at + 1 < records.size () && records[at + 1].first <= tag) at++;
+        *found = records[at].first == tag;
+        return *found || (at == 0 && records[0].first > tag) ? at : at + 1;
+    }
+    void Delete (uint32_t tag) {
+        for (size_t i = records.size (); i-- > 0;)
+            if (records[i].first == tag) records.erase (records.begin () + static_cast<std::ptrdiff_t> (i));
+    }
+};
+
+struct Twins {
+    Test_List  list;
+    Plain_List plain;
+
+    void Append (uint32_t tag) {
+        Attribute *record = list.Add (static_cast<uint16_t> (tag >> 16), static_cast<uint16_t> (tag));
+        plain.records.push_back ({tag, record});
+    }
+    void Find_Or_Insert (uint32_t tag) {
+        int        found;
+        size_t     place  = plain.Place (tag, &found);
+        Attribute *record = Find (&list, static_cast<uint16_t> (tag >> 16), static_cast<uint16_t> (tag));
+        ASSERT_NE (nullptr, record);
+        if (found) ASSERT_EQ (plain.records[place].second, record) << std::hex << tag;
+        else plain.records.insert (plain.records.begin () + static_cast<std::ptrdiff_t> (place), {tag, record});
+    }
+    void Get_Both (uint32_t tag) {
+        ASSERT_EQ (plain.Get (tag), Get (&list, static_cast<uint16_t> (tag >> 16), static_cast<uint16_t> (tag)))
+            << std::hex << tag;
+    }
+    void Delete (uint32_t tag) {
+        plain.Delete (tag);
+        DICOM_Attribute_Delete (nullptr, &list.cursor, &list.first, static_cast<uint16_t> (tag >> 16),
+                                static_cast<uint16_t> (tag));
+    }
+    void Check_Order () const {
+        const Attribute *record = list.first;
+        for (const auto &expected : plain.records) {
+            ASSERT_EQ (expected.second, record);
+            record = record->next;
+        }
+        ASSERT_EQ (nullptr, record);
+    }
+};
+
+static uint32_t Next_Random (uint32_t *seed, uint32_t limit) {
+    *seed = *seed * 1664525 + 1013904223;
+    return (*seed >> 8) % limit;
+}
+
+// Appends now and then, so that the list is in order for a while and then no longer.
+static void Do_Anything (Twins *twins, uint32_t seed, int steps, uint32_t tags, uint32_t appends) {
+    for (int step = 0; step < steps; step++) {
+        uint32_t tag    = 0x00100000 + Next_Random (&seed, tags) * 16;
+        uint32_t choice = Next_Random (&seed, 1000);
+        if (choice < appends) twins->Append (tag);
+        else if (choice < 500) twins->Find_Or_Insert (tag);
+        else if (choice < 998) twins->Get_Both (tag);
+        else twins->Delete (tag);
+        if (testing::Test::HasFatalFailure ()) return;
+    }
+    twins->Check_Order ();
+}
+
+TEST (NemaTagAttribute, ShortCutsFindAndPlaceWhatTheWalkFromTheStartDoes) {
+    for (uint32_t appends : {0u, 1u, 20u, 300u}) {
+        for (uint32_t tags : {300u, 5000u, 1000000u}) {
+            SCOPED_TRACE (std::to_string (appends) + " " + std::to_string (tags));
+            Twins twins;
+            Do_Anything (&twins, appends * 7 + tags, 4000, tags, appends);
+            if (HasFatalFailure ()) return;
+        }
+    }
+}
+
+TEST (NemaTagAttribute, ALongListSortedAnewIsFoundAnew) {
+    Twins twins;
+    for (uint32_t i = 0; i < 3000; i++) twins.Append (0x00100000 + (3000 - i) * 16);
+    for (uint32_t i = 0; i < 3000; i += 7) twins.Get_Both (0x00100000 + i * 16);
+    EXPECT_NE (nullptr, twins.list.first->index);
+    ASSERT_EQ (1, DICOM_Attribute_Sort (nullptr, &twins.list.cursor, &twins.list.first));
+    EXPECT_EQ (nullptr, twins.list.first->index);
+    std::sort (twins.plain.records.begin (), twins.plain.records.end ());
+    twins.Check_Order ();
+    Do_Anything (&twins, 5, 3000, 3000, 1);
+}
+
+TEST (NemaTagAttribute, WithoutMemoryForAShortCutSearchesGoOn) {
+    for (int descending = 0; descending < 2; descending++) {
+        long before = Memory_Live ();
+        for (long n = 1;; n++) {
+            Log_Recorder log;
+            Twins        twins;
+            for (uint32_t i = 0; i < 2000; i++) twins.Append (0x00100000 + (descending ? 2000 - i : i) * 16);
+            Memory_Fail_At (n);
+            for (uint32_t i = 1; i < 60; i++) twins.Get_Both (0x00100000 + (i * 7919 % 2000) * 16);
+            int failed = Memory_Failed ();
+            Memory_Fail_At (0);
+            EXPECT_EQ (failed, log.Text (LOG_ERROR).find ("memory error in ") != std::string::npos);
+            for (uint32_t i = 1; i < 500; i++) twins.Get_Both (0x00100000 + (i * 7919 % 2000) * 16);
+            EXPECT_NE (nullptr, twins.list.first->index);
+            if (failed) continue;
+            EXPECT_GT (n, 2);
+            break;
+        }
+        EXPECT_EQ (before, Memory_Live ());
+    }
+}
+
+// A walk from the start for each would take minutes.
+TEST (NemaTagAttribute, TagsInAnyOrderCostLinearTime) {
+    static const uint32_t COUNT = 300000;
+    auto                  start = std::chrono::steady_clock::now ();
+    Test_List             descending, shuffled;
+    for (uint32_t i = COUNT; i > 0; i--)
+        descending.Add (static_cast<uint16_t> (i >> 8), static_cast<uint16_t> (i << 8));
+    for (uint32_t i = 0; i < COUNT; i++) {
+        uint32_t tag = static_cast<uint32_t> (uint64_t {i} * 7919 % COUNT);
+        ASSERT_NE (nullptr,
+                   Get (&descending, static_cast<uint16_t> ((tag + 1) >> 8), static_cast<uint16_t> ((tag + 1) << 8)));
+        ASSERT_NE (nullptr, Find (&shuffled, static_cast<uint16_t> (tag >> 8), static_cast<uint16_t> (tag << 8)));
+    }
+    for (uint32_t i = 0; i < COUNT; i++) {
+        uint32_t tag = static_cast<uint32_t> (uint64_t {i} * 104729 % COUNT);
+        ASSERT_NE (nullptr, Get (&shuffled, static_cast<uint16_t> (tag >> 8), static_cast<uint16_t> (tag << 8)));
+    }
+    EXPECT_LT (std::chrono::steady_clock::now () - start, std::chrono::seconds (30));
 }
 
 // --- deleting --------------------------------------------------------------

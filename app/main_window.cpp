@@ -218,6 +218,7 @@ static void Drop_Compare (Window window) {
     Window_Cursor_Set (window, WINDOW_CURSOR_WAIT);
     running = 1;
     Comparison_Start (window, settings, Drops.name[0], Drops.name[1], 0);
+    Log_Files_End (); // Until the next drop, which may be hours away.
     running = 0;
     Window_Cursor_Set (window, cursor);
     View::ResetView (window);

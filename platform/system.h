@@ -80,6 +80,18 @@ int  System_File_Map (System_File *file, int64_t position, size_t length, System
 void System_File_Unmap (System_Mapping *mapping);
 int  System_Map_Faults (void);      // Pages that had vanished since the last call; 0 is the rule.
 
+// --- log files -------------------------------------------------------------
+
+// Adds bytes to the end of a file, which is made when it is missing, as one piece that other writers don't tear. They are
+// in the file when the call returns, whatever happens to the program afterwards. 1, or 0.
+int System_Append (const char *path, const void *bytes, size_t count);
+
+// The same if the file that the path names is the very one that the last call with this path added to, so that no directory
+// has to be looked at. 0 when it isn't or may not be any more; then nothing was written.
+int System_Append_Again (const char *path, const void *bytes, size_t count);
+
+void System_Append_End (void);      // Lets go of the files that are kept for System_Append_Again.
+
 // --- facts for the banner --------------------------------------------------
 
 struct System_Version {

@@ -1,6 +1,6 @@
-// Where every message of the program goes. What would surprise: no file stays open between two lines. A line is put
-// together in memory, and then the file is opened, receives it with one write, and is closed, so that the files are
-// complete at any moment and two processes that share them never tear each other's lines.
+// Where every message of the program goes. A line is put together in memory and reaches its file with one write, behind all
+// buffers of this process, so that the files are complete at any moment and two processes that share them never tear each
+// other's lines. The name decides for each line anew which file that is: one that was removed is made again.
 #include "util/my_error_fct.h"
 
 #include <stdarg.h>
@@ -128,33 +128,59 @@ static int File_Path (const Text_Path *pieces, const char *directory, char *path
     return 1;
 }
 
+// 1 when the directory is there, as it should be.
+static int Directory_Provide (const char *directory) {
+    if (opening) return 0;
+    opening   = 1;
+    int ready = Directory_Ready (directory);
+    opening   = 0;
+    if (!ready) Report_Scratch (directory);
+    return ready;
+}
+
 FILE *Log_File_Open (const char *name) {
     char      directory[SYSTEM_PATH_SIZE];
     char      path[SYSTEM_PATH_SIZE];
     Text_Path pieces;
-    if (opening) return nullptr;
     Text_Split_Path (name, &pieces);
-    if (!Directory_Of (&pieces, directory, sizeof directory)) return nullptr;
-    opening   = 1;
-    int ready = Directory_Ready (directory);
-    opening   = 0;
-    if (!ready) {
-        Report_Scratch (directory);
-        return nullptr;
-    }
+    if (!Directory_Of (&pieces, directory, sizeof directory) || !Directory_Provide (directory)) return nullptr;
     return File_Path (&pieces, directory, path, sizeof path) ? fopen (path, "a") : nullptr;
 }
 
-// 1 when the line was handed to the file. The buffer takes all of it, so that it leaves with one write.
-static int Write_Line (const char *name, const char *line) {
-    char  buffer[2 * LINE_SIZE];
-    FILE *file = Log_File_Open (name);
-    if (!file) return 0;
-    setvbuf (file, buffer, _IOFBF, sizeof buffer);
-    fputs (line, file);
-    fclose (file);
-    return 1;
+// Replaces each line feed by the system's line end. Returns the length of the result, which has room for twice the text.
+static size_t End_Lines (const char *text, char *result) {
+    const char *end    = System_Line_End ();
+    size_t      size   = strlen (end);
+    size_t      length = 0;
+    for (; *text; text++) {
+        if (*text != '\n') {
+            result[length++] = *text;
+            continue;
+        }
+        memcpy (result + length, end, size);
+        length += size;
+    }
+    return length;
 }
+
+// 1 when the line was handed to the file. A file with a number is looked for anew for each line; any other one is mostly
+// that of the line before, whose directory was looked at then.
+static int Write_Line (const char *name, const char *line) {
+    char      bytes[2 * (LINE_SIZE + LOG_PATH_SIZE)];
+    char      directory[SYSTEM_PATH_SIZE];
+    char      path[SYSTEM_PATH_SIZE];
+    Text_Path pieces;
+    size_t    count = End_Lines (line, bytes);
+    Text_Split_Path (name, &pieces);
+    if (!Directory_Of (&pieces, directory, sizeof directory)) return 0;
+    if (!Log.rolling_limit && !opening && File_Path (&pieces, directory, path, sizeof path) &&
+        System_Append_Again (path, bytes, count))
+        return 1;
+    if (!Directory_Provide (directory)) return 0;
+    return File_Path (&pieces, directory, path, sizeof path) && System_Append (path, bytes, count);
+}
+
+void Log_Files_End (void) { System_Append_End (); }
 
 // --- destinations ----------------------------------------------------------
 

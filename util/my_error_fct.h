@@ -93,6 +93,7 @@ const char *Log_Thread_Text (int slot);
 // --- files and banner ------------------------------------------------------
 
 FILE       *Log_File_Open (const char *name);   // For appending; in the scratch directory unless name has a directory.
+void        Log_Files_End (void);               // Keeps no log file open: after the last line for a while.
 void        Log_Banner (void);                  // Starts a new trace file and writes who, when and where into it.
 
 // The same with facts that a test makes up.

@@ -445,6 +445,85 @@ int System_File_Copy (const char *from, const char *to) {
     return copied;
 }
 
+// --- log files -------------------------------------------------------------
+
+// Opening and closing cost several times what a line costs, so the descriptors of the last files stay. What the name stands
+// for is asked before each line: a file that was removed, renamed, replaced or given other permissions is opened anew. Only
+// regular files are kept, since the reader of a FIFO waits for its end.
+struct Kept_File {
+    char        path[SYSTEM_PATH_SIZE];
+    int         descriptor; // -1 for none.
+    struct stat facts;      // When it was opened.
+};
+
+static const int       KEPT_FILES             = 3; // Trace, audit and error log.
+static Kept_File       kept_files[KEPT_FILES] = {{"", -1, {}}, {"", -1, {}}, {"", -1, {}}};
+static int             kept_next;
+static pthread_mutex_t kept_lock = PTHREAD_MUTEX_INITIALIZER;
+
+static Kept_File *Kept_Find (const char *path) {
+    for (Kept_File &kept : kept_files)
+        if (kept.descriptor >= 0 && !strcmp (kept.path, path)) return &kept;
+    return nullptr;
+}
+
+static void Kept_Close (Kept_File *kept) {
+    if (kept->descriptor >= 0) close (kept->descriptor);
+    kept->descriptor = -1;
+}
+
+static int Is_Same_File (const struct stat *a, const struct stat *b) {
+    return a->st_dev == b->st_dev && a->st_ino == b->st_ino && a->st_mode == b->st_mode && a->st_uid == b->st_uid &&
+           a->st_gid == b->st_gid;
+}
+
+// Takes over the descriptor.
+static void Keep (const char *path, int descriptor) {
+    Kept_File *kept = Kept_Find (path);
+    if (!kept) kept = &kept_files[kept_next++ % KEPT_FILES];
+    Kept_Close (kept);
+    if (strlen (path) >= sizeof kept->path || fstat (descriptor, &kept->facts) || !S_ISREG (kept->facts.st_mode)) {
+        close (descriptor);
+        return;
+    }
+    strcpy (kept->path, path);
+    kept->descriptor = descriptor;
+}
+
+int System_Append (const char *path, const void *bytes, size_t count) {
+    int descriptor = open (path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOCTTY, 0666);
+    if (descriptor < 0) return 0;
+    int written = Write_All (descriptor, static_cast<const char *> (bytes), count);
+    pthread_mutex_lock (&kept_lock);
+    Keep (path, descriptor);
+    pthread_mutex_unlock (&kept_lock);
+    return written;
+}
+
+int System_Append_Again (const char *path, const void *bytes, size_t count) {
+    struct stat facts;
+    int         written = 0;
+    pthread_mutex_lock (&kept_lock);
+    Kept_File *kept = Kept_Find (path);
+    if (kept) {
+        // What was written in part can't be taken back: it counts as written.
+        if (!stat (path, &facts) && Is_Same_File (&facts, &kept->facts)) {
+            Write_All (kept->descriptor, static_cast<const char *> (bytes), count);
+            written = 1;
+        } else {
+            Kept_Close (kept);
+        }
+    }
+    pthread_mutex_unlock (&kept_lock);
+    return written;
+}
+
+void System_Append_End (void) {
+    pthread_mutex_lock (&kept_lock);
+    for (Kept_File &kept : kept_files) Kept_Close (&kept);
+    pthread_mutex_unlock (&kept_lock);
+}
+
 // --- facts for the banner --------------------------------------------------
 
 int System_Computer_Name (char *result, size_t size) {

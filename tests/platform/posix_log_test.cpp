@@ -2,6 +2,8 @@
 // the same file.
 #include "util/my_error_fct.h"
 
+#include <signal.h>
+#include <string.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -177,4 +179,133 @@ TEST (PosixLog, ProcessesDoNotTearEachOthersLines) {
         ASSERT_EQ (line, std::string (9000, line[0]));
     }
     EXPECT_EQ (count, PROCESSES * LINES);
+}
+
+// --- files that stay open between lines ------------------------------------
+
+// Writes lines into an audit file of its own directory.
+class PosixLogFile : public testing::Test {
+protected:
+    void SetUp () override {
+        Log_Settings_Reset ();
+        Log_Sink_Set (Log_Program_Sink);
+        snprintf (Log.scratch, sizeof Log.scratch, "%s", directory.path.c_str ());
+        snprintf (Log.audit_name, sizeof Log.audit_name, "audit.dat");
+        path = directory.File ("audit.dat");
+        Line ("one");
+        Line ("two");
+        ASSERT_EQ (Read_Whole (path), "one\ntwo\n");
+    }
+    void TearDown () override {
+        Log_Files_End ();
+        Log_Settings_Reset ();
+        Log_Sink_Set (nullptr);
+    }
+    static void Line (const char *text) { Log_Message (nullptr, LOG_AUDIT, "%s", text); }
+
+    Temporary_Directory directory;
+    std::string         path;
+};
+
+TEST_F (PosixLogFile, ARemovedFileIsMadeAnew) {
+    std::filesystem::remove (path);
+    Line ("three");
+    EXPECT_EQ (Read_Whole (path), "three\n");
+}
+
+TEST_F (PosixLogFile, ARenamedFileGetsNoMoreLines) {
+    std::string other = directory.File ("other.dat");
+    std::filesystem::rename (path, other);
+    Line ("three");
+    EXPECT_EQ (Read_Whole (other), "one\ntwo\n");
+    EXPECT_EQ (Read_Whole (path), "three\n");
+}
+
+TEST_F (PosixLogFile, AFilePutInItsPlaceGetsTheLines) {
+    std::string other = directory.File ("other.dat");
+    directory.Write ("new.dat", std::string ("new\n"));
+    std::filesystem::rename (path, other);
+    std::filesystem::rename (directory.File ("new.dat"), path);
+    Line ("three");
+    EXPECT_EQ (Read_Whole (other), "one\ntwo\n");
+    EXPECT_EQ (Read_Whole (path), "new\nthree\n");
+}
+
+TEST_F (PosixLogFile, ALinkThatPointsElsewhereNowIsFollowed) {
+    std::string other = directory.File ("other.dat");
+    std::filesystem::remove (path);
+    directory.Write ("a.dat", std::string ());
+    std::filesystem::create_symlink (directory.File ("a.dat"), path);
+    Line ("three");
+    std::filesystem::remove (path);
+    std::filesystem::create_symlink (other, path);
+    Line ("four");
+    EXPECT_EQ (Read_Whole (directory.File ("a.dat")), "three\n");
+    EXPECT_EQ (Read_Whole (other), "four\n");
+}
+
+TEST_F (PosixLogFile, ADirectoryThatWentIsMadeAnew) {
+    std::string away = directory.path.substr (0, directory.path.size () - 1) + ".away";
+    std::filesystem::rename (directory.path, away);
+    Line ("three");
+    EXPECT_EQ (Read_Whole (path), "three\n");
+    EXPECT_EQ (Read_Whole (away + "/audit.dat"), "one\ntwo\n");
+    std::filesystem::remove_all (away);
+}
+
+// Of a process of its own, since the superuser may write everywhere.
+TEST (PosixLog, AFileThatMayNotBeWrittenAnyMoreGetsNoLines) {
+    Without_Default_Scratch ([] (const std::string &plain) {
+        std::string file = plain + "/audit.dat";
+        Log_Message (nullptr, LOG_AUDIT, "one");
+        EXPECT_EQ (chmod (file.c_str (), 0400), 0);
+        Log_Message (nullptr, LOG_AUDIT, "two");
+        EXPECT_EQ (Read_Whole (file), "one\n");
+        EXPECT_EQ (chmod (file.c_str (), 0600), 0);
+        Log_Message (nullptr, LOG_AUDIT, "three");
+        EXPECT_EQ (Read_Whole (file), "one\nthree\n");
+        EXPECT_TRUE (boxes.empty ());
+    });
+}
+
+TEST_F (PosixLogFile, LinesOfOtherWritersAndACutFileStayWhole) {
+    FILE *other = fopen (path.c_str (), "a");
+    ASSERT_NE (other, nullptr);
+    fputs ("other\n", other);
+    fclose (other);
+    Line ("three");
+    EXPECT_EQ (Read_Whole (path), "one\ntwo\nother\nthree\n");
+    EXPECT_EQ (truncate (path.c_str (), 4), 0);
+    Line ("four");
+    EXPECT_EQ (Read_Whole (path), "one\nfour\n");
+}
+
+TEST_F (PosixLogFile, AnEndOfTheProgramLosesNoLine) {
+    pid_t child = fork ();
+    if (!child) {
+        for (int i = 0; i < 100; i++) Line ("more");
+        raise (SIGKILL);
+    }
+    int status = 0;
+    waitpid (child, &status, 0);
+    EXPECT_TRUE (WIFSIGNALED (status));
+    EXPECT_EQ (Read_Whole (path).size (), strlen ("one\ntwo\n") + 100 * strlen ("more\n"));
+}
+
+TEST_F (PosixLogFile, ManyNamesKeepAFewFilesOpen) {
+    auto open_files = [] {
+        auto entries = std::filesystem::directory_iterator ("/proc/self/fd");
+        return std::distance (begin (entries), end (entries));
+    };
+    Log_Files_End ();
+    auto before = open_files ();
+    for (int i = 0; i < 40; i++) {
+        snprintf (Log.audit_name, sizeof Log.audit_name, "audit%d.dat", i % 20);
+        Line ("line");
+    }
+    for (int i = 0; i < 20; i++)
+        EXPECT_EQ (Read_Whole (directory.File (("audit" + std::to_string (i) + ".dat").c_str ())), "line\nline\n");
+    EXPECT_LE (open_files (), before + 3);
+    Log_Files_End ();
+    EXPECT_EQ (open_files (), before);
 }

@@ -22,8 +22,10 @@
 static const char *const MODULE = "main_window_test";
 
 static std::string boxes;
+static Window      box_owner;
 
-static int Box_Heard (Window, const char *text, const char *, Window_Icon) {
+static int Box_Heard (Window owner, const char *text, const char *, Window_Icon) {
+    box_owner = owner;
     boxes += std::string (text) + "\n";
     return 0;
 }
@@ -266,7 +268,21 @@ TEST (MainWindow, TinyWindowsAreDrawn) {
 // --- paint -----------------------------------------------------------------
 
 TEST (MainWindow, PaintDrawsEverything) {
-    Shown   shown;
+    Shown shown;
+    for (int size : {200, 47, 20, 2}) {
+        Window_Client_Resize (shown.window, size, size);
+        Drawing drawing = Drawing_Begin (shown.window);
+        Drawing_Fill (drawing, 0, 0, size, size, Drawing_Colour (1, 2, 3));
+        Drawing_End (drawing);
+        shown.Paint ();
+        drawing  = Drawing_Begin (shown.window);
+        int left = 0;
+        for (int i = 0; i < size * size; i++)
+            left += Drawing_Pixel (drawing, i % size, i / size) == Drawing_Colour (1, 2, 3);
+        Drawing_End (drawing);
+        EXPECT_EQ (0, left) << size;
+    }
+    Window_Client_Resize (shown.window, 800, 600);
     Drawing drawing = Drawing_Begin (shown.window);
     Drawing_Fill (drawing, 0, 0, 800, 600, Drawing_Colour (1, 2, 3));
     Drawing_End (drawing);
@@ -320,6 +336,8 @@ TEST (MainWindow, LinesOfAnyWindowAreListed) {
     Log_Message (nullptr, LOG_REPORT, "report");
     Log_Message (shown.window, LOG_WARNING, "warning");
     Log_Message (nullptr, LOG_TRACE1, "trace");
+    Log_Message (shown.window, LOG_THREAD, "thread"); // Queued, and nobody takes it out.
+    EXPECT_EQ (0, Window_Loop ());
     EXPECT_EQ ("report\nwarning\n", List ());
     Log_Message (nullptr, LOG_OVER, "over");
     EXPECT_EQ ("report\nover\n", List ());
@@ -332,10 +350,11 @@ TEST (MainWindow, LinesOfAnyWindowAreListed) {
 
 TEST (MainWindow, NothingIsListedAfterItsEnd) {
     Shown shown;
+    Window_Quit (7);
     Window_Destroy (shown.window);
     Log_Message (nullptr, LOG_REPORT, "late");
     EXPECT_EQ ("", List ());
-    EXPECT_EQ (0, Window_Loop ()) << "closing ends the loop";
+    EXPECT_EQ (0, Window_Loop ()) << "closing ends the loop, with a code of its own";
 }
 
 // --- drops -----------------------------------------------------------------
@@ -592,6 +611,12 @@ TEST (MainWindow, LinesAreSeenDuringTheRun) {
     EXPECT_TRUE (Has ("    Analysing differences\nTrace level: 0\nTAGWRIGHT 21000020\nNo changes\n")) << List ();
 }
 
+static int Fail_Run (Window window, int kind, const char *text) {
+    int result = Log_Program_Sink (window, kind, text);
+    if (kind == LOG_REPORT && Clean (text) == "    Analysing differences") Memory_Fail_At (1);
+    return result;
+}
+
 static int Close_Run (Window window, int kind, const char *text) {
     if (kind == LOG_REPORT && Clean (text) == "    Analysing differences") Window_Destroy (watched);
     return Log_Program_Sink (window, kind, text);
@@ -608,6 +633,17 @@ TEST (MainWindow, ClosedDuringARunItEnds) {
     EXPECT_LT (20, Rows.count);
     EXPECT_EQ (0, Device::Is_Open ());
     EXPECT_EQ ("", boxes);
+}
+
+TEST (MainWindow, BoxesOfARunBelongToTheWindow) {
+    Shown       shown;
+    std::string a = shown.File ("a.dcm");
+    Log_Sink_Set (Fail_Run);
+    box_owner = nullptr;
+    shown.Drop ({a});
+    Memory_Fail_At (0);
+    EXPECT_EQ (1, Times (boxes, "memory error in ")) << boxes;
+    EXPECT_EQ (shown.window, box_owner);
 }
 
 TEST (MainWindow, EveryMemoryFailureInADropLeaksNothing) {
@@ -658,6 +694,18 @@ TEST (MainWindow, WheelAddsUpToNotches) {
     EXPECT_EQ (0, Result.vertical.value);
     shown.Wheel (INT_MIN);
     EXPECT_EQ (Result.vertical.maximum, Result.vertical.value);
+}
+
+TEST (MainWindow, WheelRepaintsTheRows) {
+    Shown shown;
+    shown.Drop ({shown.File ("a.dcm", "Doe", 100)});
+    Drawing drawing = Drawing_Begin (shown.window);
+    Drawing_Fill (drawing, 40, 100, 100, 200, Drawing_Colour (1, 2, 3));
+    Drawing_End (drawing);
+    shown.Wheel (-120);
+    drawing = Drawing_Begin (shown.window);
+    EXPECT_NE (Drawing_Colour (1, 2, 3), Drawing_Pixel (drawing, 60, 150));
+    Drawing_End (drawing);
 }
 
 TEST (MainWindow, WheelPrefersTheTextListThenTheSlidersInOrder) {
@@ -721,14 +769,20 @@ TEST (MainWindow, PointerIsStored) {
     Device::Pointer_Get (&x, &y);
     EXPECT_EQ (123, x) << "where the system says";
     EXPECT_EQ (45, y);
+    shown.Wheel (1);
+    Device::Pointer_Get (&x, &y);
+    EXPECT_EQ (50, x);
+    EXPECT_EQ (50, y);
 }
 
 TEST (MainWindow, ClicksReachTheRows) {
     Shown shown;
     shown.Drop ({shown.File ("a.dcm", "Doe", 5)});
     shown.Mouse (WINDOW_BUTTON_DOWN, 100, 440 - 18 - 18 - 18 - 6, WINDOW_BUTTON_LEFT);
-    shown.Mouse (WINDOW_BUTTON_UP, 100, 440 - 18 - 18 - 18 - 6, WINDOW_BUTTON_LEFT);
-    EXPECT_LT (0, Rows.selected);
+    int selected = Rows.selected;
+    EXPECT_LT (0, selected);
+    shown.Mouse (WINDOW_BUTTON_UP, 100, 440 - 5 * 18, WINDOW_BUTTON_LEFT);
+    EXPECT_EQ (selected, Rows.selected) << "the press counts";
 }
 
 // A drag lays the window out again and again, and paint events may come in between.
@@ -748,6 +802,16 @@ TEST (MainWindow, SeparatorsAreDragged) {
     shown.Mouse (WINDOW_MOUSE_MOVE, 50, 100);
     EXPECT_EQ (150, Result.left);
     EXPECT_EQ (WINDOW_CURSOR_ARROW, Window_Cursor_Get (shown.window));
+}
+
+TEST (MainWindow, EndPutsTheCursorBack) {
+    Shown shown;
+    shown.Mouse (WINDOW_MOUSE_MOVE, 304, 100);
+    EXPECT_EQ (WINDOW_CURSOR_WEST_EAST, Window_Cursor_Get (shown.window));
+    shown.Send (Event (WINDOW_DESTROY));
+    EXPECT_EQ (WINDOW_CURSOR_ARROW, Window_Cursor_Get (shown.window));
+    EXPECT_EQ (0, Window_Loop ());
+    Window_Destroy (shown.window);
 }
 
 // --- keys ------------------------------------------------------------------
@@ -778,6 +842,8 @@ TEST (MainWindow, LoopsCodeIsTheExitCode) {
     Shown shown;
     Main_Window_Loop_Set (Fatal_Loop);
     EXPECT_EQ (3, Main_Window_Run (shown.window));
+    Log_Message (nullptr, LOG_REPORT, "late");
+    EXPECT_FALSE (Has ("late")) << "the window is closed";
     EXPECT_EQ (0, Window_Loop ()) << "the window that it closed asks no later loop to end";
 }
 

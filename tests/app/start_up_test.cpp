@@ -19,7 +19,9 @@
 #include "tests/support/examples.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/program.h"
+#include "tests/support/stream.h"
 #include "tests/support/temporary.h"
+#include "tools/icon.h"
 #include "util/memory.h"
 #include "util/my_error_fct.h"
 #include "view/result_view.h"
@@ -237,7 +239,13 @@ TEST (StartUp, EverythingIsReleased) {
     {
         Started     started;
         std::string a = Example_Path ("nested_a.dcm"), b = Example_Path ("nested_b.dcm");
-        started.Run ({a.c_str (), b.c_str ()});
+        Stream      stream = Stream_Begin_File (EXPLICIT_LITTLE);
+        Stream_Add_Text (&stream, 0x0011, 0x0010, "LO", "SOME MAKER");
+        Stream_Add_Text (&stream, 0x0011, 0x1001, "LO", "x ");
+        std::string own = started.scratch.Write ("private.dcm", stream.bytes);
+        started.user.directory.Write (std::string ("Kestrelbay") + System_Separator () + "Tagwright.ini",
+                                      std::string ("skip = (0010,1010)\n"));
+        started.Run ({a.c_str (), b.c_str (), own.c_str (), own.c_str ()});
         EXPECT_EQ (3, started.result);
     }
     EXPECT_EQ (live, Memory_Live ());
@@ -275,7 +283,7 @@ TEST (StartUp, EveryMemoryFailureIsShownAndLeaksNothing) {
 
 // --- the window ------------------------------------------------------------
 
-static std::string listed;
+static std::string listed, installed;
 static int         window_width, window_height;
 
 // What the user sees when the loop begins.
@@ -284,6 +292,12 @@ static int Look (Window window) {
     for (int i = 0; i < Result.text.line_count; i++) listed += Clean (Texts::Line (&Result.text, i)) + "\n";
     Window_Client_Size (window, &window_width, &window_height);
     return 7;
+}
+
+static int Look_For_Icon (Window) {
+    installed = Program.Inst_Path ? Program.Inst_Path : "";
+    Icon_Read (nullptr, "none.tga");
+    return 0;
 }
 
 struct Looked : Started {
@@ -365,6 +379,19 @@ TEST (StartUp, EarlierReportsStandBeforeTheHelp) {
     started.Run ({});
     EXPECT_EQ (0u, listed.find ("DICOM tables do not exist in ")) << listed;
     EXPECT_LT (listed.find ("to: "), listed.find ("Drag & Drop 1"));
+}
+
+TEST (StartUp, IconsStandBesideTheProgram) {
+    Dictionary_Build (nullptr);
+    long   live = Memory_Live ();
+    Looked started;
+    Main_Window_Loop_Set (Look_For_Icon);
+    started.Run ({});
+    EXPECT_EQ (live, Memory_Live ());
+    EXPECT_FALSE (installed.empty ());
+    EXPECT_TRUE (Contains (Read_Whole (started.scratch.File (Log.error_name)),
+                           "fopen(" + installed + "Icons" + System_Separator () + "none.tga) failed"))
+        << Read_Whole (started.scratch.File (Log.error_name));
 }
 
 TEST (StartUp, WindowReleasesEverything) {

@@ -163,6 +163,7 @@ static int Shown () {
         return 1;
     }
     Window_Show (window);
+    printf ("open\n");
     std::thread poster;
     if (kind == "thread")
         poster = std::thread ([window] {

@@ -72,6 +72,8 @@ bar=C86432
 
 start window
 expect "create 300 200"
+expect "open"
+[ "$(grep -xF -m 1 -e open -e "paint 300 200" "$stage/events")" != open ] || fail "shown, but not drawn at once"
 picture
 pixel_is 0 199 $bar
 pixel_is 19 100 $bar

@@ -224,6 +224,17 @@ xdotool key 0
 expect "REPORT:  Trace level: 0"
 finish
 
+# --- sizes that are asked for ---
+
+geometry_is () { xdotool getwindowgeometry "$window" | grep -q "Geometry: $1\$"; }
+
+start -x 3 # What isn't said is 0.
+until_true geometry_is 136x600 || fail "a width of 0: $(xdotool getwindowgeometry "$window")"
+finish
+start -y -20 400 -x 0 99999
+until_true geometry_is 2100x400 || fail "a huge width: $(xdotool getwindowgeometry "$window")"
+finish
+
 # --- files of all kinds ---
 
 start -t 1

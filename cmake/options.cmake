@@ -17,3 +17,8 @@ if (TAGWRIGHT_SANITIZE)
     add_compile_options (-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options (-fsanitize=address,undefined)
 endif ()
+
+# What libFuzzer steers by. Its main is linked into the fuzz programs only (fuzz/CMakeLists.txt).
+if (TAGWRIGHT_FUZZ)
+    add_compile_options (-fsanitize=fuzzer-no-link)
+endif ()

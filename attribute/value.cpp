@@ -118,3 +118,7 @@ int Value_Set_Text (Window window, Memory_Site site, Attribute *attribute, const
 }
 
 int Value_Is_Mapped (const Attribute *attribute) { return attribute->block && attribute->block->mapped; }
+
+void Value_Looked_At (const Attribute *attribute, size_t start, size_t count) {
+    if (Value_Is_Mapped (attribute)) System_View_Release (attribute->data + start, count);
+}

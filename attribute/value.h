@@ -3,6 +3,7 @@
 // The count is a plain integer: one thread works on lists.
 #pragma once
 
+#include <stddef.h>
 #include <stdint.h>
 
 #include "attribute/attribute.h"
@@ -31,3 +32,6 @@ int Value_Resize (Window window, Memory_Site site, Attribute *attribute, int32_t
 int Value_Set_Text (Window window, Memory_Site site, Attribute *attribute, const char *text);
 
 int Value_Is_Mapped (const Attribute *attribute);
+
+// Count bytes from start on were looked at and won't be for a while: of a view they leave the memory of the process.
+void Value_Looked_At (const Attribute *attribute, size_t start, size_t count);

@@ -21,6 +21,7 @@ static const int BYTES_SHOWN     = 16;    // Of a binary value.
 static const int HEAD_COLUMN     = 50;    // Where the description begins in an audit line, display codes counted.
 static const int INDENT_COLUMNS  = 6;     // Depth marks and pad together, as long as the marks leave room.
 static const int COMPARE_BLOCK   = 65536; // Bytes compared at once; the positions of an equal block aren't counted.
+static const int COMPARE_SLICE   = 64 * COMPARE_BLOCK; // Bytes after which a view gives its memory back.
 static const int PAIR_TEXT_SIZE  = 2 * VALUE_COLUMN + 8;
 static const int AUDIT_LINE_SIZE = 512;
 
@@ -164,6 +165,11 @@ static int32_t Different_Bytes (const Attribute *a, const Attribute *b) {
         size_t count = length - start < COMPARE_BLOCK ? length - start : COMPARE_BLOCK;
         if (memcmp (a->data + start, b->data + start, count))
             different += Count_Positions (a->data + start, b->data + start, count);
+        if ((start + count) % COMPARE_SLICE == 0 || start + count == length) {
+            size_t slice = start / COMPARE_SLICE * COMPARE_SLICE;
+            Value_Looked_At (a, slice, start + count - slice);
+            Value_Looked_At (b, slice, start + count - slice);
+        }
     }
     return different;
 }

@@ -78,6 +78,8 @@ struct System_Mapping {
 
 int  System_File_Map (System_File *file, int64_t position, size_t length, System_Mapping *mapping);  // 1 or 0.
 void System_File_Unmap (System_Mapping *mapping);
+void System_View_Release (const void *bytes, size_t count);     // Of a view: whole pages in there leave the memory of the
+                                                                // process; they come back when they are looked at again.
 int  System_Map_Faults (void);      // Pages that had vanished since the last call; 0 is the rule.
 
 // --- log files -------------------------------------------------------------

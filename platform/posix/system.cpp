@@ -393,6 +393,13 @@ void System_File_Unmap (System_Mapping *mapping) {
     *mapping = {};
 }
 
+void System_View_Release (const void *bytes, size_t count) {
+    uintptr_t page  = (uintptr_t)sysconf (_SC_PAGESIZE);
+    uintptr_t start = ((uintptr_t)bytes + page - 1) / page * page;
+    uintptr_t end   = ((uintptr_t)bytes + count) / page * page;
+    if (start < end) madvise ((void *)start, end - start, MADV_DONTNEED);
+}
+
 // --- copying files ---------------------------------------------------------
 
 static int Write_All (int descriptor, const char *bytes, size_t count) {

@@ -223,6 +223,9 @@ int System_File_Map (System_File *file, int64_t position, size_t length, System_
     return 1;
 }
 
+// Unlocking pages that were never locked takes them out of the working set.
+void System_View_Release (const void *bytes, size_t count) { VirtualUnlock (const_cast<void *> (bytes), count); }
+
 void System_File_Unmap (System_Mapping *mapping) {
     if (mapping->base) UnmapViewOfFile (mapping->base);
     *mapping = System_Mapping {};

@@ -11,6 +11,7 @@
 #include "tables/data_dictionary.h"
 #include "tests/support/lists.h"
 #include "tests/support/log_recorder.h"
+#include "tests/support/temporary.h"
 #include "util/memory.h"
 
 static const char *const MODULE = "attribute_comparison_test";
@@ -185,6 +186,31 @@ TEST (AttributeComparison, BytesAreCountedAcrossLongValues) {
     EXPECT_EQ (1, sides.Diff ());
     EXPECT_EQ (7, sides.Found (0x7FE0, 0x0010)->diff_a);
     EXPECT_EQ (1, log.Count (LOG_AUDIT, "! (7FE0,0010)       OW (300001) 7 bytes diff"));
+}
+
+// A view gives the memory of its pages back while it is compared, and shows the same bytes afterwards.
+TEST (AttributeComparison, BytesAreCountedAcrossLongViews) {
+    static const uint32_t LENGTH = (9u << 20) + 5, SLICE = 4u << 20;
+
+    Log_Recorder        log;
+    Temporary_Directory directory;
+    Sides               sides;
+    std::string         bytes (LENGTH, 'x');
+    for (Tree *side : {&sides.a, &sides.b}) {
+        if (side == &sides.b)
+            for (uint32_t place : {0u, SLICE - 1, SLICE, SLICE + 1, 2 * SLICE, LENGTH - 1}) bytes[place] = 'y';
+        const char *name = side == &sides.a ? "a.dat" : "b.dat";
+        File       *file = File_Open (directory.Write (name, "head" + bytes).c_str ());
+        ASSERT_NE (nullptr, file);
+        ASSERT_EQ (1, File_Seek (file, 4));
+        Attribute *record = side->Add (0x7FE0, 0x0010, "OW", "OW", "", static_cast<int32_t> (LENGTH));
+        ASSERT_EQ (1, Value_Map (nullptr, record, file, record->length));
+        File_Close (file);
+    }
+    sides.Merge ();
+    EXPECT_EQ (1, sides.Diff ());
+    EXPECT_EQ (6, sides.Found (0x7FE0, 0x0010)->diff_a);
+    EXPECT_EQ (0, memcmp (sides.b.first->data, bytes.data (), LENGTH));
 }
 
 TEST (AttributeComparison, NoBytesOnEitherSideIsNoDifference) {

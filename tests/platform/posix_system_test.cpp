@@ -514,6 +514,38 @@ TEST_F (PosixFiles, MappingsOfAFileShareOneView) {
     System_File_Unmap (&second);
 }
 
+// Pages of files in the memory of this process.
+static long Shared_Pages () {
+    long  size = 0, resident = 0, shared = 0;
+    FILE *file = fopen ("/proc/self/statm", "r");
+    if (file) {
+        EXPECT_EQ (fscanf (file, "%ld %ld %ld", &size, &resident, &shared), 3);
+        fclose (file);
+    }
+    return shared;
+}
+
+TEST_F (PosixFiles, PagesThatWereLookedAtAreGivenBack) {
+    static const size_t LENGTH = 8 << 20;
+
+    std::string    large = directory.Write ("large", std::string (LENGTH, 'x'));
+    System_File   *file  = System_File_Open (large.c_str ());
+    System_Mapping view  = {};
+    long           sum = 0, before = Shared_Pages ();
+    ASSERT_EQ (System_File_Map (file, 1, LENGTH - 1, &view), 1);
+    for (size_t i = 0; i < LENGTH - 1; i += 512) sum += view.bytes[i];
+    EXPECT_EQ (sum, 'x' * static_cast<long> (LENGTH / 512));
+    EXPECT_GE (Shared_Pages () - before, static_cast<long> (LENGTH / PAGE) - 64);
+    System_View_Release (view.bytes, LENGTH - 1);
+    System_View_Release (view.bytes + 5, 0);
+    System_View_Release (view.bytes + 5, 100); // No whole page.
+    EXPECT_LE (Shared_Pages () - before, 64);
+    EXPECT_EQ (view.bytes[0], 'x');
+    EXPECT_EQ (view.bytes[LENGTH - 2], 'x');
+    System_File_Unmap (&view);
+    System_File_Close (file);
+}
+
 class PosixGuard : public testing::Test {
 protected:
     // What a child wrote, or "signal N".

@@ -1,8 +1,10 @@
 #include "util/memory.h"
 
+#include <stdint.h>
 #include <string.h>
 
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -58,6 +60,70 @@ TEST_F (Memory, NoBytesStillGiveABlock) {
     big = Memory_Realloc (nullptr, HERE ("big", 0, 0), big, 0);
     EXPECT_NE (big, nullptr);
     for (void *block : {one, two, big}) Memory_Free (block);
+    EXPECT_EQ (Memory_Live (), live);
+}
+
+// One of many living blocks, all of its bytes the same.
+struct Sized {
+    unsigned char *bytes;
+    size_t         size;
+    unsigned char  mark;
+
+    void Fill (size_t from = 0) { memset (bytes + from, mark, size - from); }
+    bool Is_Whole () const {
+        for (size_t i = 0; i < size; i++)
+            if (bytes[i] != mark) return false;
+        return true;
+    }
+};
+
+TEST_F (Memory, BlocksOfAnySizeKeepTheirBytesWhileOthersComeAndGo) {
+    std::vector<Sized> blocks (3000, Sized {nullptr, 0, 0});
+    uint32_t           seed = 1;
+    for (int step = 0; step < 60000; step++) {
+        seed         = seed * 1664525 + 1013904223;
+        Sized &block = blocks[(seed >> 8) % blocks.size ()];
+        size_t size  = (seed >> 20) % 400;
+        if (block.bytes) {
+            ASSERT_TRUE (block.Is_Whole ()) << block.size;
+        }
+        if (block.bytes && step % 3) {
+            Memory_Free (block.bytes);
+            block.bytes = nullptr;
+        } else if (block.bytes) {
+            size_t kept = size < block.size ? size : block.size;
+            block.bytes =
+                static_cast<unsigned char *> (Memory_Realloc (nullptr, HERE ("block", 1, size), block.bytes, size));
+            block.size = size;
+            block.Fill (kept);
+        } else {
+            block.mark = static_cast<unsigned char> (step);
+            block.size = size;
+            block.bytes =
+                static_cast<unsigned char *> (step & 1 ? Memory_Calloc (nullptr, HERE ("block", 1, size), size)
+                                                       : Memory_Malloc (nullptr, HERE ("block", 1, size), size));
+            ASSERT_NE (block.bytes, nullptr);
+            ASSERT_EQ (reinterpret_cast<uintptr_t> (block.bytes) % alignof (double), 0u);
+            for (size_t i = 0; (step & 1) && i < size; i++) ASSERT_EQ (block.bytes[i], 0) << size;
+            block.Fill ();
+        }
+    }
+    for (Sized &block : blocks) Memory_Free (block.bytes);
+    EXPECT_EQ (Memory_Live (), live);
+}
+
+TEST_F (Memory, MoreBytesThanThereCanBeAreRefused) {
+    for (volatile size_t less : {0, 1, 7, 15}) {
+        char *old = Memory_Strdup (nullptr, HERE ("old", 1, 1), "kept");
+        void *big = Memory_Malloc (nullptr, HERE ("big", 1, 1), 1000);
+        EXPECT_EQ (Memory_Malloc (nullptr, HERE ("most", 1, 1), SIZE_MAX - less), nullptr);
+        EXPECT_EQ (Memory_Calloc (nullptr, HERE ("most", 1, 1), SIZE_MAX - less), nullptr);
+        EXPECT_EQ (Memory_Realloc (nullptr, HERE ("most", 1, 1), old, SIZE_MAX - less), nullptr);
+        EXPECT_EQ (Memory_Realloc (nullptr, HERE ("most", 1, 1), big, SIZE_MAX - less), nullptr);
+        EXPECT_STREQ (old, "kept");
+        Memory_Free (old);
+        Memory_Free (big);
+    }
     EXPECT_EQ (Memory_Live (), live);
 }
 

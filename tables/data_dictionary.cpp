@@ -1,6 +1,7 @@
-// Parser and look-up of the data dictionary. All lines are parsed once into one sorted array of entries, whose names
-// stand one behind the other in one block; a group node says which stretch of the array is its own. Nothing moves after
-// the build, since records keep references to their entries.
+// Parser and look-up of the data dictionary. All lines become one sorted array of entries, whose names stand one behind
+// the other in one block; a group node says which stretch of the array is its own. Nothing moves after the build, since
+// records keep references to their entries. Of the program's own lines, which are known to be right, the build reads only
+// the tags: parsing all of them would take longer than comparing two small files, which need a few dozen.
 //
 // A line is read from both ends: the tag in front, VRs and VMs and the retired mark behind; the name is what is left.
 #include "tables/data_dictionary.h"
@@ -18,6 +19,7 @@ static const int      TAG_END    = 11; // A line starts with "(gggg,eeee)", a bl
 static const int      NAME_START = 12; // and the name.
 static const int      VM_SIZE    = 10; // Characters of a VM that are read.
 static const uint16_t NO_LIMIT   = 0xFFFF;
+static const int8_t   NOT_PARSED = INT8_MIN; // Pairs of an entry whose name is the whole line still.
 
 // The groups that one group field of a line stands for: "0018" is one, "50xx" every group from 5000 to 50FF.
 struct Group_Node {
@@ -30,6 +32,7 @@ struct Group_Node {
 static struct {
     const Dictionary_Table *tables;
     int                     table_count;
+    int                     lazy;    // 1: the program's own lines, parsed when they are looked up.
     int                     built;   // Entries + 1; 0: not built.
     Dictionary_Entry       *entries; // The three blocks are owned.
     Group_Node             *nodes;   // Ascending by group, the narrower mask first.
@@ -39,7 +42,7 @@ static struct {
     size_t                  names_used;
     uint16_t                seek_group; // The group last looked up,
     int                     seek_node;  // and the first node that isn't smaller.
-} dictionary = {Dictionary_Tables, DICTIONARY_TABLE_COUNT, 0, nullptr, nullptr, nullptr, 0, 0, 0, 0, 0};
+} dictionary = {Dictionary_Tables, DICTIONARY_TABLE_COUNT, 1, 0, nullptr, nullptr, nullptr, 0, 0, 0, 0, 0};
 
 // --- one line --------------------------------------------------------------
 
@@ -238,18 +241,16 @@ static const char *Name_Add (const Line *line) {
     return name;
 }
 
-// Adds the entry of a line; the first line of a tag wins.
-static void Entry_Add (Window window, Dictionary_Entry *entry, uint16_t group_mask, const Line *line) {
+// Gives the entry a place, or none: the first line of a tag wins.
+static Dictionary_Entry *Entry_Add (Window window, const Dictionary_Entry *entry, uint16_t group_mask) {
     Group_Node *node = Node_Find_Or_Add (entry->group, group_mask);
     if (Entry_Find (node, entry->element)) {
         Log_Message (window, LOG_WARNING,
                      "    " EMPHASIS COLOUR_YELLOW "WARNING:" COLOUR_BLACK
                      " duplicate tag (%04x,%04x) in definition file",
                      entry->group, entry->element);
-        return;
+        return nullptr;
     }
-    entry->name = Name_Add (line);
-
     int               place = Entry_Place (node, entry->element);
     Dictionary_Entry *at    = &dictionary.entries[place];
     memmove (at + 1, at, sizeof *at * (dictionary.entry_count - place));
@@ -257,6 +258,29 @@ static void Entry_Add (Window window, Dictionary_Entry *entry, uint16_t group_ma
     dictionary.entry_count++;
     node->count++;
     for (Group_Node *other = node + 1; other < dictionary.nodes + dictionary.node_count; other++) other->first++;
+    return at;
+}
+
+static void Table_Add_Unparsed (Window window, const Dictionary_Table *table) {
+    for (int i = 0; i < table->count; i++) {
+        Dictionary_Entry entry = {};
+        uint16_t         group_mask;
+        entry.group   = Parse_Field (table->lines[i] + 1, &group_mask);
+        entry.element = Parse_Field (table->lines[i] + 6, &entry.element_mask);
+        entry.nb_vr   = NOT_PARSED;
+        entry.name    = table->lines[i];
+        Entry_Add (window, &entry, group_mask);
+    }
+}
+
+// The rest of what its line says.
+static void Entry_Complete (Dictionary_Entry *entry) {
+    Line             line;
+    Dictionary_Entry parsed;
+    uint16_t         group_mask;
+    if (entry->nb_vr != NOT_PARSED || !Parse_Line (&line, entry->name, &parsed, &group_mask)) return;
+    parsed.name = Name_Add (&line);
+    *entry      = parsed;
 }
 
 static void Table_Add (Window window, const Dictionary_Table *table) {
@@ -271,7 +295,8 @@ static void Table_Add (Window window, const Dictionary_Table *table) {
                          table->lines[i]);
             return;
         }
-        Entry_Add (window, &entry, group_mask, &line);
+        Dictionary_Entry *added = Entry_Add (window, &entry, group_mask);
+        if (added) added->name = Name_Add (&line);
     }
 }
 
@@ -318,7 +343,10 @@ int Dictionary_Build (Window window) {
         Release ();
         return 0;
     }
-    for (int t = 0; t < dictionary.table_count; t++) Table_Add (window, &dictionary.tables[t]);
+    for (int t = 0; t < dictionary.table_count; t++) {
+        if (dictionary.lazy) Table_Add_Unparsed (window, &dictionary.tables[t]);
+        else Table_Add (window, &dictionary.tables[t]);
+    }
     dictionary.built = dictionary.entry_count + 1;
     return dictionary.entry_count;
 }
@@ -342,8 +370,10 @@ const Dictionary_Entry *Dictionary_Lookup (Window window, uint16_t group, uint16
     for (const Group_Node *node = dictionary.nodes + dictionary.seek_node; node < end; node++) {
         if (node->group > (group & node->mask)) break;
         if (Is_Smaller (node, group)) continue;
-        const Dictionary_Entry *entry = Entry_Find (node, element);
-        if (entry) return entry;
+        Dictionary_Entry *entry = Entry_Find (node, element);
+        if (!entry) continue;
+        Entry_Complete (entry);
+        return entry;
     }
     return nullptr;
 }
@@ -352,4 +382,5 @@ void Dictionary_Reset (const Dictionary_Table *tables, int count) {
     Release ();
     dictionary.tables      = tables ? tables : Dictionary_Tables;
     dictionary.table_count = tables ? count : DICTIONARY_TABLE_COUNT;
+    dictionary.lazy        = !tables;
 }

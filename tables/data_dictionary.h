@@ -42,5 +42,6 @@ extern const Dictionary_Table Dictionary_Tables[DICTIONARY_TABLE_COUNT];
 
 // --- for tests -------------------------------------------------------------
 
-// Forgets what was built and takes other tables (none: the program's own) for the next look-up.
+// Forgets what was built and takes other tables (none: the program's own) for the next look-up. Tables that are given are
+// parsed at once, with warnings about what is wrong in them; the program's own lines when they are looked up.
 void Dictionary_Reset (const Dictionary_Table *tables, int count);

@@ -57,6 +57,40 @@ TEST_F (DictionaryLines, BuildWithoutAnyMessage) {
     EXPECT_EQ ("", log.All ());
 }
 
+// Lines that are parsed when they are looked up can't be warned about at the build.
+TEST_F (DictionaryLines, AllAreParsedWithoutAnyMessage) {
+    Log_Recorder log (9);
+    Dictionary_Reset (Dictionary_Tables, DICTIONARY_TABLE_COUNT);
+    EXPECT_EQ (LINE_COUNT, Dictionary_Build (nullptr));
+    EXPECT_EQ ("", log.All ());
+}
+
+// What a look-up tells, as a text; empty when there is nothing.
+static std::string Told (uint16_t group, uint16_t element) {
+    const Dictionary_Entry *entry = Dictionary_Lookup (nullptr, group, element);
+    if (!entry) return "";
+    std::string told = std::to_string (entry->group) + " " + std::to_string (entry->element) + " " +
+                       std::to_string (entry->element_mask) + " " + std::to_string (entry->nb_vr) + " " + entry->name;
+    for (int i = 0; i < DICTIONARY_VR_COUNT; i++)
+        told += " " + std::to_string (entry->vr[i]) + " " + std::to_string (entry->vm[i].minimum) + " " +
+                std::to_string (entry->vm[i].maximum);
+    return told;
+}
+
+TEST_F (DictionaryLines, ParsedWhenLookedUpTheyTellWhatTheyTellParsedAtOnce) {
+    std::vector<std::string> lines = All_Lines (), told;
+    auto                     look  = [] (const std::string &line) {
+        return Told (static_cast<uint16_t> (strtoul (line.substr (1, 4).c_str (), nullptr, 16)),
+                                          static_cast<uint16_t> (strtoul (line.substr (6, 4).c_str (), nullptr, 16)));
+    };
+    for (size_t i = lines.size (); i-- > 0;) told.push_back (look (lines[i])); // In another order.
+    Dictionary_Reset (Dictionary_Tables, DICTIONARY_TABLE_COUNT);
+    for (size_t i = 0; i < lines.size (); i++) {
+        ASSERT_EQ (look (lines[i]), told[lines.size () - 1 - i]) << lines[i];
+        ASSERT_EQ (look (lines[i]), look (lines[i]));
+    }
+}
+
 TEST_F (DictionaryLines, TablesHoldTheLinesOfAllFilesInOrder) {
     std::vector<Source_File> files = Source_Files ();
     ASSERT_EQ (static_cast<size_t> (DICTIONARY_TABLE_COUNT), files.size ());

@@ -25,12 +25,16 @@ done
 build=$root/build/fuzz
 scripts/install-packages.sh build fuzz
 mkdir -p "$build"
+
+# Several may fuzz at once, each another target; one builds.
+exec 9>"$build/lock"
+flock 9
 if ! { cmake --preset fuzz && cmake --build --preset fuzz; } >"$build/build.log" 2>&1; then
   grep -E -A 8 'FAILED: |error: |CMake Error' "$build/build.log" | head -n 100
   exit 1
 fi
-rm -rf "$build/seeds"
 scripts/fuzz-seeds.py "$build/seeds"
+exec 9>&-
 
 # Inputs are files of the targets' own; in memory they cost no disk.
 memory=/dev/shm

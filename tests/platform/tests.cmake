@@ -2,14 +2,14 @@
 
 if (WIN32)
     tagwright_test (platform
-        win32_child.cpp win32_drawing_test.cpp win32_drop.cpp win32_program.cpp win32_program_test.cpp
+        drawing_test.cpp win32_child.cpp win32_drawing_test.cpp win32_drop.cpp win32_program.cpp win32_program_test.cpp
         win32_registry_test.cpp win32_scenes_test.cpp win32_system_test.cpp win32_window_test.cpp ../support/program.cpp)
     target_link_libraries (platform_test PRIVATE gdiplus) # Decodes golden pictures.
     add_dependencies (platform_test tagwright)
 else ()
     tagwright_test (platform
-        posix_log_test.cpp posix_picture_test.cpp posix_system_test.cpp posix_window_test.cpp sdl_drawing_test.cpp
-        sdl_window_test.cpp ../support/program.cpp)
+        drawing_test.cpp posix_log_test.cpp posix_picture_test.cpp posix_system_test.cpp posix_window_test.cpp
+        sdl_drawing_test.cpp sdl_window_test.cpp ../support/program.cpp)
     add_executable (platform_child platform/posix_child.cpp)
     target_link_libraries (platform_child PRIVATE tagwright_options tagwright_platform)
     target_compile_definitions (platform_test PRIVATE PLATFORM_CHILD="$<TARGET_FILE:platform_child>")

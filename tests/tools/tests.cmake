@@ -1,6 +1,6 @@
 tagwright_test (tools
-    boxes_test.cpp buttons_test.cpp device_test.cpp icon_test.cpp keyboard_test.cpp primitives_test.cpp scenes_test.cpp
-    sliders_test.cpp texts_test.cpp widget_test.cpp)
+    boxes_test.cpp buttons_test.cpp device_test.cpp icon_test.cpp keyboard_test.cpp panels_test.cpp primitives_test.cpp
+    scenes_test.cpp sliders_test.cpp texts_test.cpp widget_test.cpp)
 if (NOT WIN32)
     target_sources (tools_test PRIVATE tools/golden_test.cpp)
 endif ()

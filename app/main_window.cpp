@@ -4,13 +4,13 @@
 #include "app/main_window.h"
 
 #include <algorithm>
-#include <string.h>
 
 #include "app/start_up.h"
 #include "app/trace_key.h"
 #include "compare/comparison_run.h"
 #include "tools/device.h"
 #include "tools/keyboard.h"
+#include "tools/primitives.h"
 #include "util/my_error_fct.h"
 #include "util/text.h"
 #include "view/result_view.h"
@@ -185,17 +185,17 @@ void Main_Window_Help (Window window) {
 
 // --- drops -----------------------------------------------------------------
 
-// Of UTF-8; a byte that is none counts as one, too.
-static size_t Character_Count (const char *text) {
-    size_t count = 0;
-    for (; *text; text++) count += (*text & 0xC0) != 0x80;
+static int Character_Count (const char *text) {
+    int count = 0;
+    for (; *text; count++) text += Tools::Character_Length (text);
     return count;
 }
 
 // 1, or 0 after the message that the path is too long: a part of it would be another file.
 static int Drop_Take (Window window, const char *path) {
+    static_assert (DROP_NAME_LIMIT * 4 < sizeof Drops.name[0], "a slot has room for the longest characters of UTF-8");
     char *slot = Drops.name[Drops.count & 1];
-    if (Character_Count (path) > DROP_NAME_LIMIT || strlen (path) >= sizeof Drops.name[0]) {
+    if (Character_Count (path) > DROP_NAME_LIMIT) {
         Log_Message (window, LOG_WARNING,
                      EMPHASIS COLOUR_RED "ERROR:" COLOUR_BLACK " Path is longer than %d characters, not compared: %s",
                      DROP_NAME_LIMIT, path);

@@ -22,7 +22,8 @@ constexpr uint32_t Drawing_Colour (unsigned red, unsigned green, unsigned blue) 
 
 // --- device context --------------------------------------------------------
 
-Drawing Drawing_Begin (Window window);      // None when the window can't be drawn. One at a time.
+Drawing Drawing_Begin (Window window);      // None when the window can't be drawn. One at a time in the whole program:
+                                            // a back end may refuse a second one, also of another window.
 void    Drawing_End (Drawing drawing);
 int     Drawing_Pixels_Per_Inch (Drawing drawing);
 

@@ -506,8 +506,14 @@ TEST (MainWindow, CharactersCountNotBytes) {
     EXPECT_LT (400u, path.size ());
     shown.Drop ({path});
     EXPECT_EQ (path, Drops.name[0]);
-    shown.Drop ({std::string (2100, '\xBF')});
-    EXPECT_EQ (1, Times (List (), "ERROR: Path is longer")) << "no characters, but no room either";
+}
+
+TEST (MainWindow, BytesThatMakeNoCharacterCountOneEach) {
+    Shown       shown;
+    std::string fitting (260, '\xBF');
+    shown.Drop ({fitting, fitting + '\xBF', std::string (2100, '\xBF')});
+    EXPECT_EQ (fitting, Drops.name[0]);
+    EXPECT_EQ (2, Times (List (), "ERROR: Path is longer"));
     EXPECT_EQ (1, Drops.count);
 }
 

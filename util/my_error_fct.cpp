@@ -369,10 +369,10 @@ static int Send (Window window, int kind, const char *format, va_list arguments)
     return sink ? sink (window, kind, text) : Default_Sink (window, kind, text);
 }
 
-// Most calls are traces that nobody wants to see: they end before anything is formatted.
-int Log_Message (Window window, int kind, const char *format, ...) {
+// By the macro of this name callers have looked already whether anybody reads it; the function looks for all others.
+int (Log_Message) (Window window, int kind, const char *format, ...) {
     if (Log.mute) return 0;
-    if (Is_Trace (kind) && Log.trace_level < kind - LOG_TRACE1 + 1) return 1;
+    if (!Log_Is_Read (kind)) return 1;
     int is_box = kind >= LOG_BOX_INFO && kind <= LOG_BOX_ERROR;
     if (!is_box && !Is_Line (kind) && !Is_Trace (kind)) return 1;
 

@@ -75,8 +75,20 @@ void Log_Settings_Reset (void);     // The library's defaults, and a new run: fi
 
 // --- writing ---------------------------------------------------------------
 
-// Formats like printf and hands the text to the sink. 0 when muted, the answer of a question, else 1.
+// Formats like printf and hands the text to the sink. 0 when muted, the answer of a question, else 1. What is passed for a
+// trace must do nothing but tell its value: a trace that is not written doesn't ask for it.
 int Log_Message (Window window, int kind, const char *format, ...);
+
+// 0 for a message that nobody reads: of kind 0, or a trace deeper than the trace level.
+inline int Log_Is_Read (int kind) {
+    if (kind < LOG_TRACE1 || kind > LOG_TRACE9) return kind != 0;
+    return __builtin_expect (Log.trace_level > kind - LOG_TRACE1, 0) != 0;
+}
+
+inline int Log_Unread (void) { return !Log.mute; }      // What Log_Message returns then.
+
+// Most messages are traces and mostly nobody reads them, so the caller finds that out before it passes anything.
+#define Log_Message(window, kind, ...) (Log_Is_Read (kind) ? Log_Message (window, kind, __VA_ARGS__) : Log_Unread ())
 
 typedef int (*Log_Sink) (Window window, int kind, const char *text);
 

@@ -293,6 +293,20 @@ TEST_F (MyErrorFct, ShallowerLevelDoesNotEvenFormat) {
     EXPECT_EQ (sink_calls, 1);
 }
 
+TEST_F (MyErrorFct, TraceThatNobodyReadsIsNotEvenPassed) {
+    int  asked = 0;
+    auto ask   = [&] { return ++asked; };
+    Log_Sink_Set (Counting_Sink);
+    Level (3);
+    EXPECT_EQ (Log_Message (nullptr, LOG_TRACE4, "%d", ask ()), 1);
+    EXPECT_EQ (Log_Message (nullptr, 0, "%d", ask ()), 1);
+    EXPECT_EQ (asked, 0);
+    EXPECT_EQ (Log_Message (nullptr, LOG_TRACE3, "%d", ask ()), 42);
+    EXPECT_EQ (asked, 1);
+    EXPECT_EQ ((Log_Message)(nullptr, LOG_TRACE4, "text"), 1);
+    EXPECT_EQ (sink_calls, 1);
+}
+
 TEST_F (MyErrorFct, HighestLevelsReachTheDeepestTraces) {
     Log_Sink_Set (Counting_Sink);
     Level (8);

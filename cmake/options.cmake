@@ -22,3 +22,12 @@ endif ()
 if (TAGWRIGHT_FUZZ)
     add_compile_options (-fsanitize=fuzzer-no-link)
 endif ()
+
+# The program's own code counts what runs of it, for scripts/coverage.sh. The counters are the mapped file itself (%c), one
+# file for each program (%m), so that a process counts also when it is forked, killed, or started without an environment.
+if (TAGWRIGHT_COVERAGE)
+    set (profile -fprofile-instr-generate=${PROJECT_BINARY_DIR}/profiles/%m%c.profraw)
+    target_compile_options (tagwright_program_options INTERFACE
+        ${profile} -fcoverage-mapping "SHELL:-mllvm -runtime-counter-relocation")
+    add_link_options (${profile})
+endif ()

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Installs the Debian 12 packages of the groups named, those that are missing: build, test, bench, fuzz, format. Says
-# nothing when all of them are there.
+# Installs the Debian 12 packages of the groups named, those that are missing: build, test, bench, fuzz, coverage, format.
+# Says nothing when all of them are there.
 set -eu
 
 usage () {
-  echo "usage: install-packages.sh GROUP...   (groups: build test bench fuzz format)" >&2
+  echo "usage: install-packages.sh GROUP...   (groups: build test bench fuzz coverage format)" >&2
   exit 2
 }
 
@@ -22,6 +22,7 @@ packages_of () {
       ;;
     bench) echo "hyperfine time diffutils python3 dcmtk libgdcm-tools" ;;
     fuzz) echo "clang-14 libclang-rt-14-dev python3 python3-pydicom" ;;
+    coverage) echo "clang-14 libclang-rt-14-dev llvm-14 python3" ;;
     format) echo "clang-format" ;;
     *) usage ;;
   esac

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Tells what a run has covered: coverage-report.py EXPORT ROOT UNCOVERED [UNREACHABLE].
+"""Tells what a run has covered: coverage-report.py ROOT UNCOVERED UNREACHABLE EXPORT...
 
-EXPORT is what llvm-cov export writes about the sources below ROOT. A table of folders and files goes to the standard output,
-the lines and outcomes that nothing has reached into the file UNCOVERED. With UNREACHABLE, a list of the outcomes that no
-input reaches, the goals count: the status is 1 when one is missed, or when an entry of the list excuses nothing.
+Each EXPORT is what llvm-cov export writes about sources below ROOT. A table of folders and files goes to the standard output,
+the lines and outcomes that nothing has reached into the file UNCOVERED. UNREACHABLE is a list of the outcomes that no input
+reaches; the status is 1 when a goal is missed, or when an entry of the list excuses nothing. Without one ("") no goal counts.
 """
 import json
 import os
@@ -77,15 +77,18 @@ def row(title, files):
     return covered
 
 
-def read(export, root):
-    """The sources of each folder, in the order of their names."""
-    with open(export, encoding="utf-8") as file:
-        entries = json.load(file)["data"][0]["files"]
+def read(exports, root):
+    """The sources of each folder, in the order of their names. The first export that has a source counts."""
     files = {folder: [] for folder in ENGINE + OTHERS}
-    for entry in entries:
-        name = os.path.relpath(entry["filename"], root)
-        if os.path.dirname(name) in files:
-            files[os.path.dirname(name)].append(File(name, root, entry))
+    seen = set()
+    for export in exports:
+        with open(export, encoding="utf-8") as file:
+            entries = json.load(file)["data"][0]["files"]
+        for entry in entries:
+            name = os.path.relpath(entry["filename"], root)
+            if os.path.dirname(name) in files and name not in seen:
+                files[os.path.dirname(name)].append(File(name, root, entry))
+                seen.add(name)
     for folder in files.values():
         folder.sort(key=lambda file: file.name)
     return files
@@ -129,8 +132,8 @@ def missed_goals(files, totals, unreachable):
 
 
 def main():
-    export, root, uncovered = sys.argv[1:4]
-    files = read(export, root)
+    root, uncovered, unreachable, *exports = sys.argv[1:]
+    files = read(exports, root)
     print(f"{'':38}{'lines':^21}   {'outcomes of conditions':^21}".rstrip())
     totals = {folder: row(folder, found) for folder, found in files.items()}
     for found in files.values():
@@ -138,9 +141,7 @@ def main():
         for file in found:
             row(file.name, [file])
     write_uncovered(uncovered, [file for found in files.values() for file in found])
-    if len(sys.argv) == 4:
-        return 0
-    missed = missed_goals(files, totals, read_unreachable(sys.argv[4]))
+    missed = missed_goals(files, totals, read_unreachable(unreachable)) if unreachable else []
     if missed:
         print("\nmissed:")
         print("\n".join(missed))

@@ -23,6 +23,7 @@ esac
 [ -z "$corpus" ] || [ -d "$corpus" ] || { echo "scripts/coverage.sh: $corpus is no folder" >&2; exit 2; }
 
 cd "$root"
+unset LLVM_PROFILE_FILE
 build=$root/build/coverage
 scripts/install-packages.sh build test coverage
 mkdir -p "$build"
@@ -57,13 +58,24 @@ else
   [ $failed -eq 0 ] || { grep -E 'FAILED|\*\*\*|tests failed' "$build/tests.log" | head -n 100; echo "the whole of it: $build/tests.log"; }
 fi
 
-# Which code there is stands in the programs.
+# Which code there is stands in the programs and in the module that draws, which names functions alike.
+export_counts () { # name, profiles, programs...
+  local name=$build/$1 counts=$2
+  shift 2
+  # shellcheck disable=SC2086 # A pattern.
+  llvm-profdata-14 merge $counts -o "$name.profdata"
+  llvm-cov-14 export --skip-expansions --skip-functions -instr-profile="$name.profdata" "$@" >"$name.json"
+}
+
 programs=("$build/tagwright")
-for program in "$build/tagwright_display.so" "$build"/tests/*_test; do programs+=(-object "$program"); done
-llvm-profdata-14 merge "$profiles"/*.profraw -o "$build/coverage.profdata"
-llvm-cov-14 export --skip-expansions --skip-functions -instr-profile="$build/coverage.profdata" "${programs[@]}" \
-  >"$build/coverage.json"
-scripts/coverage-report.py "$build/coverage.json" "$root" "$uncovered" $goals || failed=1
+for program in "$build"/tests/*_test; do programs+=(-object "$program"); done
+export_counts program "$profiles/[0-9]*.profraw" "${programs[@]}"
+exports=("$build/program.json")
+if [ -z "$corpus" ]; then
+  export_counts module "$profiles/module-*.profraw" "$build/tagwright_display.so"
+  exports+=("$build/module.json")
+fi
+scripts/coverage-report.py "$root" "$uncovered" "$goals" "${exports[@]}" || failed=1
 echo
 echo "not reached: $uncovered"
 exit $failed

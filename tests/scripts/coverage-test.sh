@@ -36,7 +36,7 @@ END
 stand_in bin/ctest <<'END'
 echo "ctest $*" >>"$STAGE/calls"
 mkdir -p "$STAGE/build/coverage/profiles"
-touch "$STAGE/build/coverage/profiles/1.profraw"
+touch "$STAGE/build/coverage/profiles/1.profraw" "$STAGE/build/coverage/profiles/module-1.profraw"
 [ ! -e "$STAGE/test_fails" ] || { echo "3 - view (FAILED)"; exit 8; }
 END
 stand_in bin/llvm-profdata-14 <<'END'
@@ -91,7 +91,8 @@ run
 [[ "$output" =~ platform/posix\ +4/4\ +100.0\ %\ +2/2\ +100.0\ % ]] || fail "no row of a folder: $output"
 grep -qx 'packages build test coverage' "$stage/calls" || fail "installs something else: $(cat "$stage/calls")"
 grep -q '^ctest --preset coverage' "$stage/calls" || fail "runs no tests"
-grep -q '^merge merge .*profiles/1.profraw' "$stage/calls" || fail "merges nothing"
+grep -q '^merge merge .*/profiles/1.profraw -o' "$stage/calls" || fail "merges nothing: $(cat "$stage/calls")"
+grep -q '^merge merge .*/profiles/module-1.profraw -o' "$stage/calls" || fail "merges nothing of the module"
 
 export_of syntax 5 5 0
 run

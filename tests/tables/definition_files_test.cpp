@@ -461,8 +461,7 @@ TEST (DefinitionInclude, SpellingsOfTheDirective) {
                                         "include\tFoo Bar  ; c",
                                         "xncludeFoo Bar",
                                         "include \"Foo Bar\"",
-                                        "include \x91"
-                                        "Foo Bar\"",
+                                        "include \221Foo Bar\"",
                                         "!=-+include Foo Bar",
                                         "include Foo_Bar"};
     for (const char *line : lines) {

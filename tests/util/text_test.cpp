@@ -149,6 +149,8 @@ TEST (Text, DoublesSaturate) {
     EXPECT_EQ (Text_To_Double (" \t-2.5E+3xyz"), -2500.0);
     EXPECT_EQ (Text_To_Double ("+.5"), 0.5);
     EXPECT_EQ (Text_To_Double ("5."), 5.0);
+    EXPECT_EQ (Text_To_Double ("0.5"), 0.5);
+    EXPECT_EQ (Text_To_Double ("007"), 7.0);
     EXPECT_EQ (Text_To_Double ("1e999"), DBL_MAX);
     EXPECT_EQ (Text_To_Double ("-1e999"), -DBL_MAX);
     EXPECT_EQ (Text_To_Double ("1e-999"), 0.0);

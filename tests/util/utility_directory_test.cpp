@@ -31,6 +31,10 @@ TEST_F (UtilityDirectory, CheckKnowsDrives) {
     EXPECT_EQ (Directory_Check ((drive + System_Separator ()).c_str ()), 1);
     EXPECT_EQ (Directory_Check ("1:"), 0);
     EXPECT_EQ (Directory_Check ("::"), 0);
+    EXPECT_EQ (Directory_Check ("[:"), 0); // Behind the letters.
+    EXPECT_EQ (Directory_Check ("{:"), 0);
+    EXPECT_EQ (Directory_Check ("C:none"), 0);
+    EXPECT_EQ (Directory_Check ((drive + System_Separator () + "none").c_str ()), 0);
     EXPECT_EQ (Directory_Check (":"), 0);
     EXPECT_EQ (Directory_Check (""), 0);
 }

@@ -6,6 +6,7 @@
 #include "attribute/NEMA_Tag_Attribute.h"
 
 #include <stdio.h>
+#include <string.h>
 
 #include "attribute/NEMA_Tag_Copy.h"
 #include "attribute/list_index.h"
@@ -288,31 +289,73 @@ static Attribute *Insert_Filled (Window window, SequenceCursor *cursor, Attribut
     return nullptr;
 }
 
-Attribute *DICOM_Attribute_Insert (Window window, SequenceCursor *cursor, Attribute **place, const Attribute *source,
-                                   int32_t level) {
-    for (;;) {
-        Trace_Insert (window, source);
-        if (!*place || (*place)->level >= cursor->depth) break;
-        place = DICOM_Attribute_Item_Slot (window, cursor, *place, 0);
-        level++;
-        if (!place) {
-            Log_Message (window, Sequence_Kind_Warning (cursor),
-                         "    " EMPHASIS COLOUR_YELLOW "Failed" COLOUR_BLACK " to insert tag(" COLOUR_BLUE
-                         "%04X" COLOUR_BLACK "," COLOUR_BLUE "%04X" COLOUR_BLACK ")",
-                         source->group, source->element);
-            return nullptr;
-        }
-    }
-
-    if (!*place && level < cursor->depth) {
+// The slot one level below the list at place, in which the cursor's sequence is made when it is missing. None on failure.
+static Attribute **Insert_Step (Window window, SequenceCursor *cursor, Attribute **place, const Attribute *source,
+                                int32_t level) {
+    if (!*place) {
         Attribute *sequence = Sequence_New (window, cursor, level);
         if (!sequence) return nullptr;
         sequence->last = sequence;
         *place         = sequence;
-        return DICOM_Attribute_Insert (window, cursor, &sequence->item[0], source, level + 1);
+        return &sequence->item[0];
     }
-    Attribute *insert = Record_New (window);
+    place = DICOM_Attribute_Item_Slot (window, cursor, *place, 0);
+    if (!place)
+        Log_Message (window, Sequence_Kind_Warning (cursor),
+                     "    " EMPHASIS COLOUR_YELLOW "Failed" COLOUR_BLACK " to insert tag(" COLOUR_BLUE
+                     "%04X" COLOUR_BLACK "," COLOUR_BLUE "%04X" COLOUR_BLACK ")",
+                     source->group, source->element);
+    return place;
+}
+
+// The place of the list that source is appended to, or none. level is the depth of the list at place.
+static Attribute **Insert_Place (Window window, SequenceCursor *cursor, Attribute **place, const Attribute *source,
+                                 int32_t level) {
+    Trace_Insert (window, source);
+    while (place && (*place ? (*place)->level : level) < cursor->depth) {
+        place = Insert_Step (window, cursor, place, source, level++);
+        if (place) Trace_Insert (window, source);
+    }
+    return place;
+}
+
+Attribute *DICOM_Attribute_Insert (Window window, SequenceCursor *cursor, Attribute **place, const Attribute *source,
+                                   int32_t level) {
+    place             = Insert_Place (window, cursor, place, source, level);
+    Attribute *insert = place ? Record_New (window) : nullptr;
     return insert ? Insert_Filled (window, cursor, place, insert, source) : nullptr;
+}
+
+Attribute *Attribute_New (Window window, const Attribute *fields) {
+    static const Memory_Site site = HERE ("insert", 1, RECORD_SIZE_STATED);
+
+    void *memory = Memory_Try (sizeof (Attribute));
+    if (memory) return static_cast<Attribute *> (memcpy (memory, fields, sizeof (Attribute)));
+    Trace_Insert (window, fields);
+    Memory_Report (window, &site, "calloc");
+    return nullptr;
+}
+
+int DICOM_Attribute_Adopt (Window window, SequenceCursor *cursor, Insert_Path *path, Attribute *record) {
+    Trace_Insert (window, record);
+    while (path->depth < cursor->depth) {
+        Attribute **place = Insert_Step (window, cursor, path->place[path->depth], record, path->depth);
+        if (!place) return 0;
+        path->place[++path->depth] = place;
+        Trace_Insert (window, record);
+    }
+
+    Attribute **place = path->place[cursor->depth];
+    if (record->index) List_Index_Free (record);
+    record->next      = nullptr;
+    record->last      = nullptr;
+    record->seek      = nullptr;
+    record->walked    = 0;
+    record->unordered = 0;
+    if (*place) List_Append (*place, record);
+    else *place = record->last = record;
+    Attribute_Copy_Kept (window, cursor, record);
+    return 1;
 }
 
 // Puts a new record before the first one.

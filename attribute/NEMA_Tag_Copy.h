@@ -10,3 +10,6 @@ int DICOM_Attribute_Copy (Window window, SequenceCursor *cursor, Attribute **pla
 // Copies one record onto another, with its items (into the list at place). 1, or 0 after a memory message.
 int DICOM_Attribute_Copy_Tag (Window window, SequenceCursor *cursor, Attribute **place, Attribute *target,
                               const Attribute *source);
+
+// What copying a record without items onto a new one makes of its fields, where it is itself the new one.
+void Attribute_Copy_Kept (Window window, SequenceCursor *cursor, Attribute *record);

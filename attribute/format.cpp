@@ -12,17 +12,39 @@
 
 // --- VR check --------------------------------------------------------------
 
-// Explicit VRs that are kept. UT is not among them on purpose: an explicit UT is treated as if the VR were missing.
-static const uint16_t explicit_vrs[] = {VR_AE, VR_AS, VR_AT, VR_CS, VR_DA, VR_DS, VR_DT, VR_FD, VR_FL,
-                                        VR_IS, VR_LO, VR_LT, VR_OB, VR_OW, VR_PN, VR_SH, VR_SL, VR_SQ,
-                                        VR_SS, VR_ST, VR_TM, VR_UH, VR_UI, VR_UL, VR_UN, VR_US};
-
 static const int32_t GUESS_LENGTH_LIMIT = 1025; // From this length on an unknown value is taken as bytes.
 
+// Explicit VRs that are kept. UT is not among them on purpose: an explicit UT is treated as if the VR were missing.
 static int Is_Known_Explicit (uint16_t vr) {
-    for (uint16_t known : explicit_vrs)
-        if (known == vr) return 1;
-    return 0;
+    switch (vr) {
+    case VR_AE:
+    case VR_AS:
+    case VR_AT:
+    case VR_CS:
+    case VR_DA:
+    case VR_DS:
+    case VR_DT:
+    case VR_FD:
+    case VR_FL:
+    case VR_IS:
+    case VR_LO:
+    case VR_LT:
+    case VR_OB:
+    case VR_OW:
+    case VR_PN:
+    case VR_SH:
+    case VR_SL:
+    case VR_SQ:
+    case VR_SS:
+    case VR_ST:
+    case VR_TM:
+    case VR_UH:
+    case VR_UI:
+    case VR_UL:
+    case VR_UN:
+    case VR_US: return 1;
+    default: return 0;
+    }
 }
 
 static void Clean_Explicit (Window window, const Settings *settings, Attribute *attribute) {
@@ -167,7 +189,11 @@ struct Format_Pass {
     int32_t         End_Of_Sequence[SEQUENCE_DEPTHS]; // File positions, -1 when no end is known.
     int32_t         End_Of_Item[SEQUENCE_DEPTHS];
     int             sort_warned;
+    int             owns; // 1: flat records are taken over, 0: copied.
     Attribute      *list;
+    Insert_Path     path; // To where the cursor stands; used when they are taken over.
+    Attribute      *next; // The flat record behind the one at hand,
+    uint16_t        vr;   // and the VR by which this one is taken.
 };
 
 static int Is_Tag (const Attribute *record, uint16_t group, uint16_t element) {
@@ -184,6 +210,26 @@ static int Is_Reached (int32_t end, const Attribute *record) {
     return end >= 0 && static_cast<uint32_t> (end) <= record->pos_tag;
 }
 
+// --- steps of the cursor ---------------------------------------------------
+
+static void Sequence_Start (Format_Pass *pass, const Attribute *record) {
+    int32_t depth =
+        DICOM_Attribute_Sequence_Start (pass->window, &pass->cursor, record->group, record->element, record->flags, 0);
+    Insert_Path_Cut (&pass->path, depth - 1);
+}
+
+static void Sequence_Stop (Format_Pass *pass) {
+    Insert_Path_Cut (&pass->path, DICOM_Attribute_Sequence_Stop (pass->window, &pass->cursor, 0));
+}
+
+// Items that stand in no sequence are counted, but the top list is no item.
+static void Item_Start (Format_Pass *pass) {
+    DICOM_Attribute_Item_Start (pass->window, &pass->cursor, 0);
+    if (pass->cursor.depth > 0) Insert_Path_Cut (&pass->path, pass->cursor.depth - 1);
+}
+
+// --- ends and marks --------------------------------------------------------
+
 static void Mark_Retired_And_Private (Format_Pass *pass, Attribute *record) {
     if (record->definition && record->definition->nb_vr <= 0) {
         record->flags |= RETIRED;
@@ -197,7 +243,7 @@ static void Stop_Sequences_By_Size (Format_Pass *pass, const Attribute *record) 
     SequenceCursor *cursor = &pass->cursor;
     while (Is_Reached (pass->End_Of_Sequence[cursor->depth], record)) {
         pass->End_Of_Sequence[cursor->depth] = -1;
-        DICOM_Attribute_Sequence_Stop (pass->window, cursor, 0);
+        Sequence_Stop (pass);
         Log_Message (pass->window, LOG_TRACE4, "\"Stop of Sequence\" from size");
     }
 }
@@ -213,11 +259,11 @@ static void Stop_Item_By_Size (Format_Pass *pass, const Attribute *record) {
 static void Follow_Item_Tags (Format_Pass *pass, const Attribute *record) {
     SequenceCursor *cursor = &pass->cursor;
     if (Is_Tag (record, GROUP_DELIMITER, ELEMENT_SEQUENCE_END)) {
-        DICOM_Attribute_Sequence_Stop (pass->window, cursor, 0);
+        Sequence_Stop (pass);
         Log_Message (pass->window, LOG_TRACE4, "\"Stop of Sequence\" tag (%04x,%04x) size=%d (End_Of_Item:%04X)",
                      record->group, record->element, record->length, pass->End_Of_Item[cursor->depth]);
     } else if (Is_Tag (record, GROUP_DELIMITER, ELEMENT_ITEM)) {
-        DICOM_Attribute_Item_Start (pass->window, cursor, 0);
+        Item_Start (pass);
         if (record->length != LENGTH_UNDEFINED) pass->End_Of_Item[cursor->depth] = End_Position (record);
         Log_Message (pass->window, LOG_TRACE4, "\"Start of Item\" tag (%04x,%04x) size=%d (End_Of_Item[%d]:%04X)",
                      record->group, record->element, record->length, cursor->depth, pass->End_Of_Item[cursor->depth]);
@@ -242,35 +288,34 @@ static void Check_Order (Format_Pass *pass, const Attribute *record) {
         Log_Message (pass->window, pass->settings->kind_warning, WARNING_TEXT TAG_TEXT " missing end of sequence tag!",
                      record->group, record->element);
         pass->End_Of_Sequence[depth] = -1;
-        DICOM_Attribute_Sequence_Stop (pass->window, cursor, 0);
+        Sequence_Stop (pass);
     }
 }
 
 // --- opening sequences -----------------------------------------------------
 
 static void Open_Sequence (Format_Pass *pass, const Attribute *record) {
-    DICOM_Attribute_Sequence_Start (pass->window, &pass->cursor, record->group, record->element, record->flags, 0);
+    Sequence_Start (pass, record);
     pass->End_Of_Sequence[pass->cursor.depth] = -1;
     pass->End_Of_Item[pass->cursor.depth]     = -1;
 }
 
 static void Syntax_Error (Format_Pass *pass, const Attribute *record, Attribute *target, const char *format) {
-    uint16_t vr = Attribute_VR (record);
     Log_Message (pass->window, pass->settings->kind_warning, format, record->group, record->element,
-                 Code_First (vr, '-'), Code_Second (vr, '-'));
+                 Code_First (pass->vr, '-'), Code_Second (pass->vr, '-'));
     target->flags |= DELETED;
 }
 
 // What looked like a sequence isn't followed by what a sequence holds.
 static void Refuse_Sequence (Format_Pass *pass, const Attribute *record, Attribute *target, const char *format) {
     Syntax_Error (pass, record, target, format);
-    DICOM_Attribute_Sequence_Stop (pass->window, &pass->cursor, 0);
+    Sequence_Stop (pass);
 }
 
 static void Open_SQ (Format_Pass *pass, const Attribute *record, Attribute *target) {
     Open_Sequence (pass, record);
     if (record->length != LENGTH_UNDEFINED) pass->End_Of_Sequence[pass->cursor.depth] = End_Position (record);
-    else if (!record->next || record->next->group != GROUP_DELIMITER)
+    else if (!pass->next || pass->next->group != GROUP_DELIMITER)
         Refuse_Sequence (pass, record, target,
                          WARNING_TEXT TAG_TEXT " Syntax Error! VR=SQ should be followed by an \"item\" tag");
     Log_Message (pass->window, LOG_TRACE4, "\"Start of Sequence\" tag (%04x,%04x) size=%d (End_Of_Sequence[%d]:%04X)",
@@ -281,7 +326,7 @@ static void Open_SQ (Format_Pass *pass, const Attribute *record, Attribute *targ
 // OB, OW or UN of undefined length: fragments (PS3.5 A.4).
 static void Open_Encapsulated (Format_Pass *pass, const Attribute *record, Attribute *target) {
     Open_Sequence (pass, record);
-    if (!Is_Tag (record->next, GROUP_DELIMITER, ELEMENT_ITEM))
+    if (!Is_Tag (pass->next, GROUP_DELIMITER, ELEMENT_ITEM))
         Refuse_Sequence (pass, record, target,
                          WARNING_TEXT TAG_TEXT
                          " Syntax Error! VR=%c%c Variable length tag should be followed by an \"item\" tag");
@@ -292,7 +337,7 @@ static void Open_Encapsulated (Format_Pass *pass, const Attribute *record, Attri
 // A tag that nobody knows, followed by an item: a sequence, unless the item is the next one of the sequence around it.
 static void Open_Unknown (Format_Pass *pass, const Attribute *record, Attribute *target) {
     int32_t end = pass->End_Of_Item[pass->cursor.depth];
-    if (end >= 0 && static_cast<uint32_t> (end) == record->next->pos_tag) return;
+    if (end >= 0 && static_cast<uint32_t> (end) == pass->next->pos_tag) return;
     Open_Sequence (pass, record);
     if (record->length == LENGTH_UNDEFINED) return;
     pass->End_Of_Sequence[pass->cursor.depth] = End_Position (record);
@@ -302,9 +347,9 @@ static void Open_Unknown (Format_Pass *pass, const Attribute *record, Attribute 
 // 1 when the tag was unknown and followed by an item, which ends the handling of the record.
 static int Open_What_Follows (Format_Pass *pass, const Attribute *record, Attribute *target) {
     if (record->group == GROUP_DELIMITER) return 0;
-    uint16_t vr        = Attribute_VR (record);
+    uint16_t vr        = pass->vr;
     int      undefined = record->length == LENGTH_UNDEFINED;
-    if (vr == 0 && Is_Tag (record->next, GROUP_DELIMITER, ELEMENT_ITEM)) {
+    if (vr == 0 && Is_Tag (pass->next, GROUP_DELIMITER, ELEMENT_ITEM)) {
         Open_Unknown (pass, record, target);
         return 1;
     }
@@ -323,6 +368,12 @@ static void Stop_Item_By_Tag (Format_Pass *pass, const Attribute *record) {
                  record->element, record->length, pass->End_Of_Item[pass->cursor.depth]);
 }
 
+// The record of the nested list, or none when memory ran out.
+static Attribute *Place (Format_Pass *pass, Attribute *record) {
+    if (!pass->owns) return DICOM_Attribute_Insert (pass->window, &pass->cursor, &pass->list, record, 0);
+    return DICOM_Attribute_Adopt (pass->window, &pass->cursor, &pass->path, record) ? record : nullptr;
+}
+
 // 0 when memory ran out.
 static int Format_Record (Format_Pass *pass, Attribute *record) {
     Log_Message (pass->window, LOG_TRACE4, "DICOM_Attribute_Format (%04x,%04x) (pos:%04X)", record->group,
@@ -333,7 +384,9 @@ static int Format_Record (Format_Pass *pass, Attribute *record) {
     Follow_Item_Tags (pass, record);
     Check_Order (pass, record);
     DICOM_Attribute_VR_Check (pass->window, pass->settings, record);
-    Attribute *target = DICOM_Attribute_Insert (pass->window, &pass->cursor, &pass->list, record, 0);
+    pass->next        = record->next;
+    pass->vr          = Attribute_VR (record);
+    Attribute *target = Place (pass, record);
     if (!target) return 0;
     if (Open_What_Follows (pass, record, target)) return 1;
     Stop_Item_By_Tag (pass, record);
@@ -341,7 +394,8 @@ static int Format_Record (Format_Pass *pass, Attribute *record) {
     return 1;
 }
 
-Attribute *DICOM_Attribute_Format (Window window, const Settings *settings, Attribute *flat_first) {
+// The nested list, or none. The record that there was no memory for is left in *flat.
+static Attribute *Format (Window window, const Settings *settings, Attribute **flat, int owns) {
     static const Settings silent = {};
 
     Log_Message (window, LOG_TRACE4, "in DICOM_Attribute_Format()");
@@ -349,14 +403,24 @@ Attribute *DICOM_Attribute_Format (Window window, const Settings *settings, Attr
     pass.window          = window;
     pass.settings        = settings ? settings : &silent;
     pass.cursor.settings = pass.settings;
+    pass.owns            = owns;
+    pass.path.place[0]   = &pass.list;
     for (int depth = 0; depth < SEQUENCE_DEPTHS; depth++) pass.End_Of_Sequence[depth] = pass.End_Of_Item[depth] = -1;
     DICOM_Attribute_Sequence_Reset (window, &pass.cursor);
 
-    for (Attribute *record = flat_first; record; record = record->next) {
-        if (Format_Record (&pass, record)) continue;
+    for (; *flat; *flat = pass.next) {
+        if (Format_Record (&pass, *flat)) continue;
         DICOM_Attribute_Sequence_Reset (window, &pass.cursor);
         DICOM_Attribute_Delete (window, &pass.cursor, &pass.list, TAG_ANY, TAG_ANY);
         return nullptr;
     }
     return pass.list;
+}
+
+Attribute *DICOM_Attribute_Format (Window window, const Settings *settings, Attribute *flat_first) {
+    return Format (window, settings, &flat_first, 0);
+}
+
+Attribute *DICOM_Attribute_Format_Own (Window window, const Settings *settings, Attribute **flat) {
+    return Format (window, settings, flat, 1);
 }

@@ -11,6 +11,10 @@
 // list stays with the caller; its records get marks and guessed VRs.
 Attribute *DICOM_Attribute_Format (Window window, const Settings *settings, Attribute *flat_first);
 
+// The same from a list that the caller gives away: its records become those of the nested list, and none is left. When
+// memory ran out those that were not reached stay. A copy of each would be traced at depth 5, where this traces less.
+Attribute *DICOM_Attribute_Format_Own (Window window, const Settings *settings, Attribute **flat);
+
 // Drops an explicit VR that isn't known and guesses a missing one from the value. 1, or 0 when the explicit VR isn't one
 // of the dictionary's or nothing could be guessed.
 int DICOM_Attribute_VR_Check (Window window, const Settings *settings, Attribute *attribute);

@@ -35,7 +35,8 @@ struct Reading {
     int64_t         size;         // Of the file.
     uint8_t         mode;         // For the next element.
     int             encapsulated; // 1 between encapsulated pixel data and the end of its fragments.
-    Attribute      *list;         // Read so far.
+    Attribute      *list;         // Read so far,
+    Insert_Path     path;         // and the way to its end.
 };
 
 struct Transfer_Syntax {
@@ -207,6 +208,17 @@ static void Apply_Syntax (Reading *reading, Attribute *attribute) {
             reading->mode = (reading->mode & MODE_VENDOR) | syntax.mode;
 }
 
+// Appends a record with these fields; the value goes over to it.
+static Attribute *Append (Reading *reading, Attribute *fields) {
+    Attribute *record = Attribute_New (reading->window, fields);
+    if (!record) return nullptr;
+    fields->data  = nullptr;
+    fields->block = nullptr;
+    if (DICOM_Attribute_Adopt (reading->window, reading->cursor, &reading->path, record)) return record;
+    DICOM_Attribute_Free (reading->window, record);
+    return nullptr;
+}
+
 // Reads the next element into attribute, which the caller has cleared and releases, and appends it to the list.
 static Step Read_Element (Reading *reading, Attribute *attribute) {
     Step step = Read_Header (reading, attribute);
@@ -220,7 +232,7 @@ static Step Read_Element (Reading *reading, Attribute *attribute) {
         !NEMA_Read_Buffer (reading->window, &reading->source, attribute->mode, attribute->length, attribute))
         return STEP_FAILED;
 
-    Attribute *added = DICOM_Attribute_Insert (reading->window, reading->cursor, &reading->list, attribute, 0);
+    Attribute *added = Append (reading, attribute);
     if (!added) return STEP_FAILED;
     Apply_Syntax (reading, added);
     return STEP_DONE;
@@ -289,6 +301,7 @@ Attribute *File_Read_Elements (Window window, SequenceCursor *cursor, const char
     reading.source.file     = file;
     reading.source.settings = cursor->settings;
     reading.size            = file->size;
+    reading.path.place[0]   = &reading.list;
     reading.mode            = MODE_EXPLICIT;
     if (cursor->settings) reading.mode = cursor->settings->mode_start;
     if (Find_First_Element (&reading)) Read_Stream (&reading);
@@ -310,8 +323,10 @@ static void Trace_List (Window window, SequenceCursor *cursor, Attribute *list, 
     DICOM_Attribute_List (window, cursor, list, LOG_TRACE2);
 }
 
-static Attribute *Nest (Window window, const SequenceCursor *cursor, Attribute *elements) {
-    Attribute *list = DICOM_Attribute_Format (window, cursor->settings, elements);
+// The records of the elements become those of the nested list, unless a trace tells of the copies and of their release.
+static Attribute *Nest (Window window, const SequenceCursor *cursor, Attribute **elements) {
+    Attribute *list = Log_Is_Read (LOG_TRACE5) ? DICOM_Attribute_Format (window, cursor->settings, *elements)
+                                               : DICOM_Attribute_Format_Own (window, cursor->settings, elements);
     if (!list) Log_Message (window, LOG_TRACE1, "Failed in DICOM_Attribute_Format()");
     return list;
 }
@@ -341,7 +356,7 @@ Attribute *File_Read_List (Window window, SequenceCursor *cursor, const char *na
     DICOM_Attribute_Sequence_Reset (window, cursor);
 
     Log_Section (window, LOG_TRACE2, "-----                        Cleanup DICOM Tags                           -----");
-    Attribute *list = Nest (window, cursor, elements);
+    Attribute *list = Nest (window, cursor, &elements);
     if (list) Clean (window, cursor, list);
     List_Delete (window, cursor, &elements);
     if (!list) return nullptr;

@@ -56,11 +56,6 @@ static int Report_End (Window window, const NEMA_Source *source, int line, int64
 
 // --- position --------------------------------------------------------------
 
-int64_t NEMA_Tell (const NEMA_Source *source) {
-    if (source->kind != NEMA_FILE) return source->position;
-    return source->file ? File_Tell (source->file) : -1;
-}
-
 int NEMA_Seek (NEMA_Source *source, int64_t position) {
     if (source->kind == NEMA_FILE) return source->file && File_Seek (source->file, position);
     if (position < 0 || position > UINT32_MAX) return 0;

@@ -52,9 +52,24 @@ int NEMA_Check_Left (Window window, NEMA_Source *source, int64_t count);
 // Up to count bytes without any report: how many there were (fewer only at the end), or -1.
 int64_t NEMA_Read_Some (NEMA_Source *source, void *destination, size_t count);
 
+// For readers of many headers: the next count bytes when the source has them at hand, else none. The position stays;
+// NEMA_Advance moves behind those that were used.
+inline const uint8_t *NEMA_View (const NEMA_Source *source, size_t count) {
+    if (source->kind == NEMA_FILE) return source->file ? File_View (source->file, count) : nullptr;
+    if (!source->base || source->position > source->size || source->size - source->position < count) return nullptr;
+    return source->base + source->position;
+}
+inline void NEMA_Advance (NEMA_Source *source, int count) {
+    if (source->kind == NEMA_FILE) source->file->position += count;
+    else source->position += static_cast<uint32_t> (count);
+}
+
 // --- position --------------------------------------------------------------
 
-int64_t NEMA_Tell (const NEMA_Source *source);                      // -1 on failure.
+inline int64_t NEMA_Tell (const NEMA_Source *source) {              // -1 on failure.
+    if (source->kind != NEMA_FILE) return source->position;
+    return source->file ? File_Tell (source->file) : -1;
+}
 int     NEMA_Seek (NEMA_Source *source, int64_t position);          // 1 or 0. Reports nothing and closes nothing.
 
 // A move without which the reading can't go on. 1, or 0 after a report that names the caller's module and line; then the

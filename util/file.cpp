@@ -14,19 +14,21 @@ struct Fault {
 
 static Fault faults[FILE_OPERATIONS];
 
-int File_Read_Watched;
+int File_Watched;
 
 void File_Fail_At (File_Operation operation, long n, unsigned error) {
     faults[operation] = {n, error};
-    File_Read_Watched = faults[FILE_READ].countdown > 0;
+    File_Watched      = 0;
+    for (const Fault &fault : faults) File_Watched |= fault.countdown > 0;
 }
 
 // 1 when this operation is the one that fails; the last error is set then.
 static int Fails_Now (File_Operation operation) {
     Fault *fault = &faults[operation];
     if (fault->countdown <= 0 || --fault->countdown > 0) return 0;
-    if (operation == FILE_READ) File_Read_Watched = 0;
-    System_Last_Error_Set (fault->error);
+    unsigned error = fault->error;
+    File_Fail_At (operation, 0, error);
+    System_Last_Error_Set (error);
     return 1;
 }
 
@@ -61,7 +63,7 @@ int File_Seek (File *file, int64_t position) {
     return 1;
 }
 
-int64_t File_Tell (const File *file) { return Fails_Now (FILE_TELL) ? -1 : file->position; }
+int64_t File_Tell_Watched (const File *file) { return Fails_Now (FILE_TELL) ? -1 : file->position; }
 
 // As many of the count bytes at position as the buffer holds from there on.
 static size_t Take_Buffered (const File *file, int64_t position, char *destination, size_t count) {

@@ -22,18 +22,29 @@ struct File {
 File   *File_Open (const char *name);                           // None on failure; the system's last error says why.
 void    File_Close (File *file);                                // Accepts none.
 int     File_Seek (File *file, int64_t position);               // 1, or 0 for a position below 0.
-int64_t File_Tell (const File *file);                           // The position, or -1 on failure.
 int64_t File_Read (File *file, void *destination, size_t count);// Bytes read (fewer than count only at the end), or -1.
 int     File_Map (File *file, size_t length, System_Mapping *mapping);  // The next length bytes, and moves behind them. 1 or 0.
 
 // For readers of many small fields: File_Read of bytes that the buffer holds whole, without a call. 1, or 0 when they
 // have to come through File_Read; then nothing has happened.
-extern int File_Read_Watched;   // 1 while a failure of FILE_READ is awaited: then every read goes through File_Read.
-inline int File_Take (File *file, void *destination, size_t count) {
+extern int File_Watched;    // 1 while a failure made by a test is awaited: then everything goes through the functions.
+
+int64_t File_Tell_Watched (const File *file);
+inline int64_t File_Tell (const File *file) {    // The position, or -1 on failure.
+    return File_Watched ? File_Tell_Watched (file) : file->position;
+}
+
+// The next count bytes when the buffer holds them whole, else none; the position stays.
+inline const uint8_t *File_View (const File *file, size_t count) {
     int64_t offset = file->position - file->buffer_start;
-    if (File_Read_Watched || offset < 0 || static_cast<uint64_t> (offset) >= file->buffer_count) return 0;
-    if (file->buffer_count - static_cast<size_t> (offset) < count) return 0;
-    memcpy (destination, file->buffer + offset, count);
+    if (File_Watched || offset < 0 || static_cast<uint64_t> (offset) > file->buffer_count) return nullptr;
+    return file->buffer_count - static_cast<size_t> (offset) < count ? nullptr : file->buffer + offset;
+}
+
+inline int File_Take (File *file, void *destination, size_t count) {
+    const uint8_t *bytes = File_View (file, count);
+    if (!bytes) return 0;
+    memcpy (destination, bytes, count);
     file->position += static_cast<int64_t> (count);
     return 1;
 }

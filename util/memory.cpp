@@ -20,7 +20,7 @@ static int Fails_Now (void) {
     return 1;
 }
 
-static void Report (Window window, const Memory_Site *site, const char *call) {
+void Memory_Report (Window window, const Memory_Site *site, const char *call) {
     Log_Message (window, LOG_ERROR, "line %-4d of %s \nmemory error in %s (var=%s, dim=%dx%d)", site->line,
                  site->module, call, site->variable, site->count, site->size);
 }
@@ -189,20 +189,20 @@ void *Memory_Try (size_t bytes) {
 
 void *Memory_Malloc (Window window, Memory_Site site, size_t bytes) {
     void *block = Memory_Try (bytes);
-    if (!block) Report (window, &site, "malloc");
+    if (!block) Memory_Report (window, &site, "malloc");
     return block;
 }
 
 void *Memory_Calloc (Window window, Memory_Site site, size_t bytes) {
     void *block = Fails_Now () ? nullptr : Block_New_Zeroed (bytes ? bytes : 1);
     if (block) live++;
-    else Report (window, &site, "calloc");
+    else Memory_Report (window, &site, "calloc");
     return block;
 }
 
 void *Memory_Realloc (Window window, Memory_Site site, void *block, size_t bytes) {
     void *larger = Fails_Now () ? nullptr : Block_Resize (block, bytes ? bytes : 1);
-    if (!larger) Report (window, &site, "realloc");
+    if (!larger) Memory_Report (window, &site, "realloc");
     else if (!block) live++;
     return larger;
 }

@@ -26,6 +26,7 @@ void *Memory_Realloc (Window window, Memory_Site site, void *block, size_t bytes
 char *Memory_Strdup  (Window window, Memory_Site site, const char *text);           // "dim" is not part of its message.
 void *Memory_Text    (Window window, Memory_Site site, size_t bytes);               // Room for a text, reported as strdup.
 void *Memory_Try     (size_t bytes);                // Reports nothing: for a caller that has words of its own.
+void  Memory_Report  (Window window, const Memory_Site *site, const char *call);    // What a failed call by this name says.
 void  Memory_Free    (void *block);                                                 // Accepts none.
 
 // --- for tests -------------------------------------------------------------

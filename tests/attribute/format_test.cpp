@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "attribute/NEMA_Tag_Attribute.h"
 #include "attribute/value.h"
 #include "tables/data_dictionary.h"
@@ -656,6 +658,95 @@ TEST (FormatVrCheck, TheGuessStaysInTheFlatRecordAndTheNestedOneIsUn) {
     Nested nested (&flat);
     EXPECT_EQ (VR_CS, flat.list.first->vr);
     EXPECT_EQ (VR_UN, nested.first->vr);
+}
+
+// --- a list given away -----------------------------------------------------
+
+static std::string Fields (const Attribute *list) {
+    std::string text;
+    char        line[128];
+    for (; list; list = list->next) {
+        snprintf (line, sizeof line, "%u (%04x,%04x) %x %x %x %x %d %u %u %s\n", list->level, list->group,
+                  list->element, list->flags, list->vr_file, list->vr, list->mode, list->length, list->pos_tag,
+                  list->pos_data, Value (list).c_str ());
+        text += line;
+        for (int32_t i = 0; i < list->nb_item; i++) text += "[" + Fields (list->item[i]) + "]";
+    }
+    return text;
+}
+
+// Elements, items and ends in any order, of a few tags, so that sequences come twice, end wrongly and nest too deep.
+static void Add_Random (Flat *flat, std::mt19937 *random) {
+    auto       below  = [random] (uint32_t count) { return (*random) () % count; };
+    uint16_t   tag    = static_cast<uint16_t> (0x1140 + below (4));
+    uint16_t   group  = static_cast<uint16_t> (0x0008 + below (4));
+    int32_t    length = below (2) ? LENGTH_UNDEFINED : static_cast<int32_t> (8 * below (12));
+    Attribute *record = nullptr;
+    switch (below (8)) {
+    case 0:
+    case 1: record = flat->Length (length, group, tag, "SQ"); break;
+    case 2:
+    case 3: flat->Item (length); break;
+    case 4: flat->Item_End (); break;
+    case 5: flat->Sequence_End (); break;
+    case 6: record = flat->Length (length, group, tag, below (2) ? "" : below (2) ? "OB" : "UT"); break;
+    default: record = flat->Add (group, tag, below (3) ? "SH" : below (2) ? "" : "OX", below (2) ? "VALUE " : "12");
+    }
+    if (record && below (2)) record->definition = Dictionary_Lookup (nullptr, group, tag);
+}
+
+TEST (Format, AListGivenAwayBecomesWhatItsCopyWouldBe) {
+    Dictionary_Build (nullptr);
+    for (uint32_t seed = 0; seed < 3000; seed++) {
+        long before = Memory_Live ();
+        {
+            Flat         copied, given;
+            std::mt19937 random (seed), again (seed);
+            for (uint32_t i = seed % 60; i > 0; i--) {
+                Add_Random (&copied, &random);
+                Add_Random (&given, &again);
+            }
+            Log_Recorder copying (4);
+            Nested       copy (&copied);
+            Log_Recorder giving (4);
+            Attribute   *list = DICOM_Attribute_Format_Own (nullptr, &warning_settings, &given.list.first);
+            EXPECT_EQ (nullptr, given.list.first);
+            ASSERT_EQ (Fields (copy.first), Fields (list)) << seed;
+            ASSERT_EQ (copying.All (), giving.All ()) << seed;
+            SequenceCursor cursor = {};
+            DICOM_Attribute_Delete (nullptr, &cursor, &list, TAG_ANY, TAG_ANY);
+        }
+        ASSERT_EQ (before, Memory_Live ()) << seed;
+    }
+}
+
+TEST (Format, ARecordThatCannotBeTakenOverStaysWithTheGiver) {
+    for (long n = 1;; n++) {
+        long before = Memory_Live ();
+        bool failed;
+        {
+            Log_Recorder log;
+            Flat         flat;
+            flat.Length (-1, 0x0008, 0x1140, "SQ");
+            flat.Item ();
+            flat.Add (0x0008, 0x1150, "UI", "1.2 ");
+            flat.Item_End ();
+            flat.Item ();
+            flat.Sequence_End ();
+            Memory_Fail_At (n);
+            Attribute *list = DICOM_Attribute_Format_Own (nullptr, &warning_settings, &flat.list.first);
+            failed          = Memory_Failed ();
+            Memory_Fail_At (0);
+            EXPECT_EQ (failed, list == nullptr) << n;
+            EXPECT_EQ (failed, flat.list.first != nullptr) << n;
+            EXPECT_EQ (failed ? 1 : 0, log.Count (LOG_ERROR, "memory error in ")) << n;
+            SequenceCursor cursor = {};
+            DICOM_Attribute_Delete (nullptr, &cursor, &list, TAG_ANY, TAG_ANY);
+        }
+        EXPECT_EQ (before, Memory_Live ()) << n;
+        if (!failed) break;
+        ASSERT_LT (n, 10);
+    }
 }
 
 // --- memory ----------------------------------------------------------------

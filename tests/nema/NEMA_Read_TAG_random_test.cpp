@@ -122,6 +122,28 @@ TEST (NemaReadTagRandom, FileAndMemoryAreReadAlike) {
     }
 }
 
+// Where a trace is written every header is read field by field, else most are taken at once.
+TEST (NemaReadTagRandom, HeadersTakenAtOnceAreThoseReadFieldByField) {
+    Random random (20240131);
+    size_t taken = 0;
+    for (int i = 0; i < 20000; i++) {
+        Bytes         bytes = Random_Stream (&random) + Hex ("00 00 00 00 00 00 00 00 00 00 00 00");
+        Memory_Stream at_once (bytes), by_field (bytes);
+        uint8_t       mode      = static_cast<uint8_t> (random () & ~3u);
+        int32_t       limit     = Below (&random, 2) ? static_cast<int32_t> (bytes.size ()) : 0;
+        Settings      loud      = {LOG_WARNING, LOG_REPORT, mode, 0, nullptr, nullptr};
+        at_once.source.settings = by_field.source.settings = &loud;
+
+        Log_Recorder         silent;
+        std::vector<Element> elements = Read_All (&at_once.source, mode, limit, bytes.size ());
+        Log_Recorder         traced (4);
+        ASSERT_TRUE (elements == Read_All (&by_field.source, mode, limit, bytes.size ())) << "stream " << i;
+        ASSERT_EQ (silent.Text (LOG_WARNING), traced.Text (LOG_WARNING)) << "stream " << i;
+        taken += elements.size ();
+    }
+    EXPECT_GT (taken, 20000u);
+}
+
 TEST (NemaReadTagRandom, EveryValueIsDecodedOrRefused) {
     static const uint16_t vrs[]    = {VR_AE, VR_AT, VR_CS, VR_DS, VR_FD, VR_FL, VR_IS, VR_LT, VR_OW,
                                       VR_PN, VR_RT, VR_SL, VR_SS, VR_UI, VR_UL, VR_UN, VR_US, 0};

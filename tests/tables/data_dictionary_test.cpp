@@ -433,6 +433,25 @@ TEST_F (DataDictionary, ResetReleasesEverything) {
     EXPECT_EQ ("Patient's Name", Name_Of (0x0010, 0x0010));
 }
 
+TEST_F (DataDictionary, EveryTagGivesItsOwnEntryAlsoTheSecondTime) {
+    Dictionary_Reset (nullptr, 0);
+    for (int round = 0; round < 2; round++) {
+        int found = 0;
+        for (uint32_t group = 0; group < 0x60; group += 2) {
+            for (uint32_t element = 0; element < 0x2000; element++) {
+                const Dictionary_Entry *entry =
+                    Dictionary_Lookup (nullptr, static_cast<uint16_t> (group), static_cast<uint16_t> (element));
+                if (!entry) continue;
+                found++;
+                EXPECT_EQ (entry->group, group);
+                EXPECT_EQ (entry->element, element);
+                EXPECT_EQ (entry, Dictionary_Lookup (nullptr, entry->group, entry->element));
+            }
+        }
+        EXPECT_GT (found, 1000);
+    }
+}
+
 TEST_F (DataDictionary, ResetForgetsWhereTheLastGroupStood) {
     Build ({"(0008,0010) A DS 1", "(0010,0010) B DS 1"});
     EXPECT_EQ ("B", Name_Of (0x0010, 0x0010));

@@ -18,7 +18,7 @@ packages_of () {
     build) echo "g++ cmake ninja-build pkg-config libsdl2-dev libpango1.0-dev fonts-liberation" ;;
     test)
       echo "googletest g++-mingw-w64-x86-64-posix wine64 wine python3 python3-pydicom dcmtk procps xvfb xauth"
-      echo "imagemagick xdotool x11-apps libx11-dev"
+      echo "imagemagick xdotool x11-apps libx11-dev man-db"
       ;;
     bench) echo "hyperfine time diffutils python3 dcmtk libgdcm-tools" ;;
     fuzz) echo "clang-14 libclang-rt-14-dev python3 python3-pydicom" ;;

@@ -52,6 +52,18 @@ Whole_Window::~Whole_Window () {
     std::filesystem::current_path (folder_before);
 }
 
+void Whole_Window::Skip (const std::string &group, const std::string &element) {
+    skipped[0].push_back (group);
+    skipped[1].push_back (element);
+    for (int half : {0, 1}) {
+        skip_lists[half].clear ();
+        for (std::string &text : skipped[half]) skip_lists[half].push_back (text.data ());
+    }
+    settings.Nb_Skip      = static_cast<int32_t> (skipped[0].size ());
+    settings.Skip_Group   = skip_lists[0].data ();
+    settings.Skip_Element = skip_lists[1].data ();
+}
+
 void Whole_Window::Drop (const std::vector<std::string> &files) {
     std::vector<const char *> names;
     for (const std::string &file : files) names.push_back (file.c_str ());

@@ -17,6 +17,7 @@ struct Whole_Window {
     Whole_Window (const Whole_Window &)            = delete;
     Whole_Window &operator= (const Whole_Window &) = delete;
 
+    void Skip (const std::string &group, const std::string &element); // A pattern that comparisons leave out from now on.
     void Drop (const std::vector<std::string> &files);
     void Separators (int left, int right, int strip_height);    // Dragged there, by their left and lower edges.
     void Values_From (int x);                                   // The values scrolled to the right.
@@ -38,4 +39,6 @@ private:
     Temporary_Directory scratch;
     Log_Settings        log_before = Log;
     Settings            settings   = {};
+    std::vector<std::string> skipped[2];    // Groups and elements, to which settings refer
+    std::vector<char *>      skip_lists[2]; // by these.
 };

@@ -7,7 +7,7 @@
 static const char *const EXAMPLES = TAGWRIGHT_SOURCE_DIR "/examples";
 static const char *const REAL     = "/usr/lib/python3/dist-packages/pydicom/data/test_files";
 
-static const char *const DOCS = TAGWRIGHT_SOURCE_DIR "/docs/"; // scripts/screenshots.sh draws these two anew.
+static const char *const DOCS = TAGWRIGHT_SOURCE_DIR "/docs/"; // scripts/screenshots.sh draws these anew.
 
 TEST (WindowPictures, ScreenshotOfTheHelpAtTheStart) {
     Whole_Window shown (800, 600, EXAMPLES);
@@ -22,6 +22,33 @@ TEST (WindowPictures, ScreenshotOfAComparison) {
     EXPECT_TRUE (shown.Fold (0x0008, 0x1140));
     EXPECT_TRUE (shown.Select (0x0008, 0x0033));
     EXPECT_TRUE (Picture_Matches_In (DOCS, shown.window, "screenshot-comparison"));
+}
+
+// The window as it opens, with what stands there after the first drop.
+TEST (WindowPictures, ScreenshotOfADrop) {
+    Whole_Window shown (800, 600, EXAMPLES);
+    shown.Drop ({"ct_a.dcm", "ct_b.dcm"});
+    EXPECT_TRUE (Picture_Matches_In (DOCS, shown.window, "screenshot-drop"));
+}
+
+TEST (WindowPictures, ScreenshotOfAModality) {
+    Whole_Window shown (1200, 560, EXAMPLES);
+    shown.Drop ({"faults.dcm"});
+    shown.Separators (580, 830, 100);
+    shown.Values_From (0);
+    shown.Scroll (26);
+    EXPECT_TRUE (Picture_Matches_In (DOCS, shown.window, "screenshot-modality"));
+}
+
+TEST (WindowPictures, ScreenshotOfSkippedAttributes) {
+    Whole_Window shown (1200, 560, EXAMPLES);
+    shown.Skip ("0008", "0018");
+    shown.Skip ("0008", "115?");
+    shown.Drop ({"ct_a.dcm", "ct_b.dcm"});
+    shown.Separators (508, 710, 100);
+    shown.Values_From (252);
+    EXPECT_TRUE (shown.Fold (0x0008, 0x1140));
+    EXPECT_TRUE (Picture_Matches_In (DOCS, shown.window, "screenshot-skipped"));
 }
 
 TEST (WindowPictures, OneFileAgainstItsModality) {

@@ -189,6 +189,52 @@ static Stream Damaged_Header () {
     return stream;
 }
 
+// --- private attributes ----------------------------------------------------
+
+// Of the creators that examples/tables/ has tables for. B gives one of them another block and changes two values.
+static Stream Private (bool b) {
+    Stream   stream = Begin_File (EXPLICIT_LITTLE, CT_IMAGE, Uid (".3.401"));
+    uint16_t block  = b ? 0x1100 : 0x1000;
+    Stream_Add_Text (&stream, 0x0008, 0x0016, "UI", CT_IMAGE);
+    Stream_Add_Text (&stream, 0x0008, 0x0018, "UI", Uid (".3.401"));
+    Stream_Add_Text (&stream, 0x0008, 0x0060, "CS", "CT");
+    Add_Patient (&stream);
+    Stream_Add_Text (&stream, 0x0019, 0x0010, "LO", "EXAMPLE SCANNER 2.1");
+    Stream_Add_Text (&stream, 0x0019, 0x1001, "DS", b ? "2.5" : "1.5");
+    Stream_Add_Short (&stream, 0x0019, 0x1002, "US", 64);
+    Stream_Add_Text (&stream, 0x0029, static_cast<uint16_t> (block >> 8), "LO", "Acme/Imaging");
+    Stream_Add_Text (&stream, 0x0029, block | 0x08, "CS", b ? "HELICAL" : "AXIAL");
+    return stream;
+}
+
+// --- faults of encoders ----------------------------------------------------
+
+// What real encoders get wrong, one of each kind: structure first, values then.
+static Stream Faults () {
+    Stream stream = Begin_File (EXPLICIT_LITTLE, CT_IMAGE, Uid (".3.501"));
+    Stream_Add_Text (&stream, 0x0008, 0x0016, "UI", CT_IMAGE);
+    Stream_Add_Text (&stream, 0x0008, 0x0018, "UI", Uid (".3.501"));
+    Stream_Add_Text (&stream, 0x0008, 0x0020, "DA", "2016.06.15");
+    Stream_Add_Text (&stream, 0x0008, 0x0030, "TM", "10:15:30");
+    Stream_Add_Text (&stream, 0x0008, 0x0060, "CS", "Ct");
+    Stream_Add_Bytes (&stream, 0x0008, 0x0070, "LO", std::string ("EXAMPLE SCANNER\0", 16));
+    Stream_Open_Sequence (&stream, 0x0008, 0x1140, false);
+    Stream_Add_Raw (&stream, "\x3F\x3F\x3F\0\xFF\xFF\xFF\xFF", 8); // Means an item of undefined length.
+    Stream_Add_Text (&stream, 0x0008, 0x1150, "UI", CT_IMAGE);
+    Stream_Add_Header (&stream, 0xFFFE, 0xE00D, "", 0);
+    Stream_Close_Sequence (&stream);
+    Stream_Add_Text (&stream, 0x0009, 0x0010, "LO", "NOBODY KNOWS");
+    Stream_Add_Length (&stream, 0x0009, 0x1010, "UL", 6, "    ");
+    Add_Patient (&stream);
+    Stream_Add_Bytes (&stream, 0x0018, 0x1030, "LO", "DAILY");
+    Stream_Add_Text (&stream, 0x0020, 0x0013, "IS", "17.0");
+    Add_Image_Size (&stream, 16);
+    Stream_Add_Text (&stream, 0x0028, 0x0030, "DS", "0.75\\0.75\\0.75"); // A second time, with a value too many.
+    Stream_Add_Bytes (&stream, 0x0028, 0x0106, "US", std::string ("\1\0\2", 3));
+    Add_Pixels (&stream, 16, false);
+    return stream;
+}
+
 // --- all -------------------------------------------------------------------
 
 std::vector<Example> Examples_Make () {
@@ -203,6 +249,9 @@ std::vector<Example> Examples_Make () {
         {"bare_stream.dcm", Bare_Stream ().bytes},
         {"damaged.dcm", Damaged ().bytes},
         {"damaged_header.dcm", Damaged_Header ().bytes},
+        {"private_a.dcm", Private (false).bytes},
+        {"private_b.dcm", Private (true).bytes},
+        {"faults.dcm", Faults ().bytes},
     };
 }
 
@@ -215,5 +264,7 @@ std::vector<Example_Pair> Example_Pairs () {
         {"explicit_b.dcm", "bare_stream.dcm", 7},
         {"explicit_b.dcm", "damaged.dcm", 1},
         {"explicit_b.dcm", "damaged_header.dcm", 1},
+        {"private_a.dcm", "private_b.dcm", 5},
+        {"explicit_b.dcm", "faults.dcm", 14},
     };
 }

@@ -162,7 +162,7 @@ void Rows_Free () {
 
 // Room in the index for a line of every row; without it there is no index.
 static void Index_Grow () {
-    if (Rows.line_rows && Rows.count <= Rows.line_capacity) return;
+    if (Rows.count <= Rows.line_capacity) return;
     Memory_Free (Rows.line_rows);
     Rows.line_rows     = nullptr; // The rows may be drawn while a message is shown.
     Rows.line_rows     = static_cast<int *> (Memory_Malloc (nullptr, HERE ("line_rows", Rows.count, sizeof (int)),

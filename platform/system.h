@@ -119,6 +119,7 @@ int System_Console_Open (void);
 
 unsigned    System_Last_Error (void);               // The thread's last error: GetLastError, errno.
 void        System_Last_Error_Set (unsigned code);
+unsigned    System_Memory_Error (void);             // The code of memory that ran out.
 const char *System_Error_Name (unsigned code);      // "[ERROR_FILE_NOT_FOUND]" or none. On Linux the Win32 name that
                                                     // corresponds to an errno.
 int         System_Error_Message (unsigned code, char *result, size_t size);    // The system's text, without line end.

@@ -41,6 +41,7 @@ File *File_Open (const char *name) {
     File *file = static_cast<File *> (Memory_Malloc (nullptr, HERE ("file", 1, sizeof *file), sizeof *file));
     if (!file) {
         System_File_Close (system);
+        System_Last_Error_Set (System_Memory_Error ());
         return nullptr;
     }
     file->system       = system;

@@ -10,19 +10,27 @@
 
 #include "util/my_error_fct.h"
 
-static long fail_countdown;
+static long fail_countdown; // 0: no allocation fails.
+static long fail_left;      // When the countdown stands at 1, so many allocations fail. 0: all.
 static int  fail_done;
 static long live;
 
 static int Fails_Now (void) {
-    if (fail_countdown <= 0 || --fail_countdown > 0) return 0;
-    fail_done = 1;
+    if (!fail_countdown) return 0;
+    if (fail_countdown > 1) {
+        fail_countdown--;
+        return 0;
+    }
+    fail_done++;
+    if (fail_left && !--fail_left) fail_countdown = 0;
     return 1;
 }
 
 void Memory_Report (Window window, const Memory_Site *site, const char *call) {
     Log_Message (window, LOG_ERROR, "line %-4d of %s \nmemory error in %s (var=%s, dim=%dx%d)", site->line,
                  site->module, call, site->variable, site->count, site->size);
+    System_Last_Error_Set (
+        System_Memory_Error ()); // Whoever reports the consequence asks for it, after the log's own files.
 }
 
 // --- blocks ----------------------------------------------------------------
@@ -184,6 +192,7 @@ static void *Block_Resize (void *block, size_t bytes) {
 void *Memory_Try (size_t bytes) {
     void *block = Fails_Now () ? nullptr : Block_New (bytes ? bytes : 1);
     if (block) live++;
+    else System_Last_Error_Set (System_Memory_Error ());
     return block;
 }
 
@@ -209,10 +218,11 @@ void *Memory_Realloc (Window window, Memory_Site site, void *block, size_t bytes
 
 void *Memory_Text (Window window, Memory_Site site, size_t bytes) {
     void *block = Memory_Try (bytes);
-    if (!block)
-        Log_Message (window, LOG_ERROR, "line %-4d of %s \nmemory error in strdup (var=%s)", site.line, site.module,
-                     site.variable);
-    return block;
+    if (block) return block;
+    Log_Message (window, LOG_ERROR, "line %-4d of %s \nmemory error in strdup (var=%s)", site.line, site.module,
+                 site.variable);
+    System_Last_Error_Set (System_Memory_Error ());
+    return nullptr;
 }
 
 char *Memory_Strdup (Window window, Memory_Site site, const char *text) {
@@ -227,10 +237,13 @@ void Memory_Free (void *block) {
     Block_Free (block);
 }
 
-void Memory_Fail_At (long n) {
-    fail_countdown = n;
+void Memory_Fail_From (long n, long count) {
+    fail_countdown = n > 0 ? n : 0;
+    fail_left      = count;
     fail_done      = 0;
 }
+
+void Memory_Fail_At (long n) { Memory_Fail_From (n, 1); }
 
 int Memory_Failed (void) { return fail_done; }
 

@@ -1,5 +1,5 @@
 // All memory of the program comes from here. A failure is reported once, with the program's fixed texts, and gives none.
-// Tests make the n-th allocation fail and ask how many blocks are alive.
+// The system's last error is its code for that. Tests make the n-th allocation fail and ask how many blocks are alive.
 #pragma once
 
 #include <stddef.h>
@@ -32,5 +32,6 @@ void  Memory_Free    (void *block);                                             
 // --- for tests -------------------------------------------------------------
 
 void Memory_Fail_At (long n);       // The n-th allocation from now fails (1 is the next). 0: none does.
-int  Memory_Failed (void);          // 1 when the failure asked for has happened.
+void Memory_Fail_From (long n, long count);     // The n-th and those that follow, count of them; 0: all.
+int  Memory_Failed (void);          // How many of the failures asked for have happened.
 long Memory_Live (void);            // Blocks allocated and not freed.

@@ -576,6 +576,8 @@ unsigned System_Last_Error (void) { return (unsigned)errno; }
 
 void System_Last_Error_Set (unsigned code) { errno = (int)code; }
 
+unsigned System_Memory_Error (void) { return ENOMEM; }
+
 // What stands above the low 16 bits says where a code came from, as on Windows; the error itself stands in them.
 int System_Error_Message (unsigned code, char *result, size_t size) {
     unsigned    error = code & 0xFFFF;

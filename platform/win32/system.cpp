@@ -372,6 +372,7 @@ int System_Console_Open (void) {
 
 unsigned System_Last_Error (void) { return GetLastError (); }
 void     System_Last_Error_Set (unsigned code) { SetLastError (code); }
+unsigned System_Memory_Error (void) { return ERROR_NOT_ENOUGH_MEMORY; }
 
 // The system's own memory takes the text first, so that a text longer than result is cut and not refused.
 int System_Error_Message (unsigned code, char *result, size_t size) {

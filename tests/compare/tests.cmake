@@ -5,4 +5,5 @@ tagwright_test (compare
     difference_list_test.cpp
     examples_test.cpp
     file_reader_test.cpp
+    memory_failures_test.cpp
     modality_run_test.cpp)

@@ -123,6 +123,7 @@ TEST_F (FileReading, FullMemoryIsReportedAndNothingStaysOpen) {
     long         live = Memory_Live ();
     Memory_Fail_At (1);
     EXPECT_EQ (File_Open (name.c_str ()), nullptr);
+    EXPECT_STREQ (System_Error_Name (System_Last_Error ()), "[ERROR_NOT_ENOUGH_MEMORY]");
     EXPECT_EQ (Memory_Failed (), 1);
     Memory_Fail_At (0);
     EXPECT_EQ (Memory_Live (), live);

@@ -182,6 +182,59 @@ TEST_F (Memory, TheChosenAllocationFailsAndNoOther) {
     EXPECT_EQ (Memory_Failed (), 0);
 }
 
+// Which of ten allocations failed, as digits.
+static std::string Failing (Window window) {
+    std::string failed;
+    for (int i = 0; i < 10; i++) {
+        void *block = Memory_Malloc (window, HERE ("block", 1, 1), 1);
+        if (!block) failed += static_cast<char> ('0' + i);
+        Memory_Free (block);
+    }
+    return failed;
+}
+
+TEST_F (Memory, SeveralAllocationsInARowFailOrAllFromOneOn) {
+    Memory_Fail_From (3, 2);
+    EXPECT_EQ (Failing (nullptr), "23");
+    EXPECT_EQ (Memory_Failed (), 2);
+    EXPECT_EQ (Failing (nullptr), "");
+    Memory_Fail_From (7, 0);
+    EXPECT_EQ (Failing (nullptr), "6789");
+    EXPECT_EQ (Failing (nullptr), "0123456789");
+    EXPECT_EQ (Memory_Failed (), 14);
+    Memory_Fail_From (10, 3);
+    EXPECT_EQ (Failing (nullptr), "9");
+    EXPECT_EQ (Failing (nullptr), "01");
+    Memory_Fail_From (5, 0);
+    Memory_Fail_At (0);
+    EXPECT_EQ (Failing (nullptr), "");
+    EXPECT_EQ (Memory_Failed (), 0);
+    EXPECT_EQ (Memory_Live (), live);
+}
+
+static int Disturb (Window, int, const char *) {
+    System_Last_Error_Set (1);
+    return 1;
+}
+
+// Writing the message may have changed it.
+TEST_F (Memory, AFailureIsTheSystemsLastError) {
+    Log_Sink_Set (Disturb);
+    Memory_Fail_From (1, 0);
+    Memory_Malloc (nullptr, HERE ("block", 1, 1), 1);
+    EXPECT_EQ (System_Last_Error (), System_Memory_Error ());
+    Memory_Calloc (nullptr, HERE ("block", 1, 1), 1);
+    EXPECT_EQ (System_Last_Error (), System_Memory_Error ());
+    Memory_Realloc (nullptr, HERE ("block", 1, 1), nullptr, 1);
+    EXPECT_EQ (System_Last_Error (), System_Memory_Error ());
+    Memory_Strdup (nullptr, HERE ("text", 0, 0), "text");
+    EXPECT_EQ (System_Last_Error (), System_Memory_Error ());
+    System_Last_Error_Set (1);
+    Memory_Try (1);
+    EXPECT_EQ (System_Last_Error (), System_Memory_Error ());
+    EXPECT_STREQ (System_Error_Name (System_Memory_Error ()), "[ERROR_NOT_ENOUGH_MEMORY]");
+}
+
 TEST_F (Memory, WhatTheSystemRefusesIsReported) {
     volatile size_t too_much = SIZE_MAX / 2;
     EXPECT_EQ (Memory_Malloc (nullptr, HERE ("huge", 1, 1), too_much), nullptr);

@@ -1,0 +1,124 @@
+#include "tests/support/memory_failures.h"
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <regex>
+
+#include "util/memory.h"
+
+// --- the message -----------------------------------------------------------
+
+// Lines of the program's sources, by module.
+using Sources = std::map<std::string, std::vector<std::string>>;
+
+static const Sources &Program_Sources () {
+    static Sources sources;
+    if (!sources.empty ()) return sources;
+    const std::filesystem::path root = TAGWRIGHT_SOURCE_DIR;
+    for (const char *folder :
+         {"app", "attribute", "compare", "nema", "syntax", "tables", "tools", "util", "view", "platform"})
+        for (const auto &entry : std::filesystem::directory_iterator (root / folder)) {
+            if (entry.path ().extension () != ".cpp") continue;
+            std::ifstream             stream (entry.path ());
+            std::vector<std::string> &lines = sources[entry.path ().stem ().string ()];
+            for (std::string line; std::getline (stream, line);) lines.push_back (line);
+        }
+    return sources;
+}
+
+struct Report {
+    std::string line, module, call, variable, count, size;
+};
+
+// The dimensions belong to all messages but strdup's.
+static bool Read (const std::string &text, Report *report) {
+    static const std::regex FORM ("line (\\d+ *) of (\\w+) \nmemory error in "
+                                  "(?:(malloc|calloc|realloc) \\(var=(.+), dim=(\\d+)x(\\d+)\\)|"
+                                  "(strdup) \\(var=(.+)\\))");
+    std::smatch             parts;
+    if (!std::regex_match (text, parts, FORM) || parts[1].length () < 4) return false;
+    if (parts[3].matched) *report = {parts[1], parts[2], parts[3], parts[4], parts[5], parts[6]};
+    else *report = {parts[1], parts[2], parts[7], parts[8], "", ""};
+    return true;
+}
+
+static bool Is_Number (const std::string &text) {
+    return !text.empty () && text.find_first_not_of ("0123456789") == std::string::npos;
+}
+
+::testing::AssertionResult Names_Its_Place (const std::string &text) {
+    Report report;
+    if (!Read (text, &report)) return ::testing::AssertionFailure () << "no memory message: " << text;
+
+    auto source = Program_Sources ().find (report.module);
+    if (source == Program_Sources ().end ()) return ::testing::AssertionFailure () << "no such source: " << text;
+    size_t number = std::stoul (report.line);
+    if (number < 1 || number > source->second.size ())
+        return ::testing::AssertionFailure () << "no such line: " << text;
+
+    const std::string &line = source->second[number - 1];
+    size_t             here = line.find ("HERE (\"" + report.variable + "\", ");
+    if (here == std::string::npos) return ::testing::AssertionFailure () << text << "\nhas the line\n" << line;
+    if (report.call == "strdup") return ::testing::AssertionSuccess ();
+
+    static const std::regex DIMENSIONS ("\", ([^,]+), ([^,)]+)");
+    std::smatch             parts;
+    std::string             written = line.substr (here);
+    if (!std::regex_search (written, parts, DIMENSIONS))
+        return ::testing::AssertionFailure () << text << "\nhas no dimensions in\n" << line;
+    bool same =
+        (!Is_Number (parts[1]) || parts[1] == report.count) && (!Is_Number (parts[2]) || parts[2] == report.size);
+    if (!same || report.count == "0" || report.size == "0")
+        return ::testing::AssertionFailure () << text << "\nhas other dimensions in\n" << line;
+    return ::testing::AssertionSuccess ();
+}
+
+std::string Memory_Variable (const std::string &text) {
+    Report report;
+    return Read (text, &report) ? report.module + ": " + report.variable : text;
+}
+
+// --- trials ----------------------------------------------------------------
+
+static void Start_Failing (Memory_Loss loss, long n) {
+    static const long COUNTS[] = {1, 2, 0};
+    Memory_Fail_From (n, COUNTS[loss]);
+}
+
+// One run in which memory runs out, looked at in every way. How many allocations failed.
+static long Fail_Once (const Memory_Trial &trial, Memory_Loss loss, long n, std::set<std::string> *told) {
+    Start_Failing (loss, n);
+    std::string result = trial.run ();
+    long        failed = Memory_Failed ();
+    Memory_Fail_At (0);
+    std::vector<std::string> reports = trial.reports ();
+    for (const std::string &report : reports) {
+        EXPECT_TRUE (Names_Its_Place (report)) << n;
+        told->insert (Memory_Variable (report));
+    }
+    if (trial.quiet) EXPECT_GE (failed, static_cast<long> (reports.size ())) << n;
+    else EXPECT_EQ (failed, static_cast<long> (reports.size ())) << n;
+    if (failed && trial.check) trial.check (result, reports);
+    return failed;
+}
+
+std::set<std::string> Every_Memory_Failure (const Memory_Trial &trial, Memory_Loss loss) {
+    std::set<std::string> told;
+    trial.end ();
+    const std::string whole = trial.run ();
+    trial.end ();
+    EXPECT_TRUE (trial.reports ().empty ());
+    const long live = Memory_Live ();
+
+    for (long n = 1, failed = 1; failed; n++) {
+        SCOPED_TRACE ("failure " + std::to_string (loss) + " at " + std::to_string (n));
+        failed = Fail_Once (trial, loss, n, &told);
+        EXPECT_EQ (whole, trial.run ());
+        EXPECT_TRUE (trial.reports ().empty ());
+        trial.end ();
+        EXPECT_EQ (live, Memory_Live ());
+        if (n > 20000 || ::testing::Test::HasFailure ()) break;
+    }
+    return told;
+}

@@ -95,8 +95,8 @@ TEST (CommandLine, TraceLevel) {
     EXPECT_EQ (0, Reading ({"-t", "many"}).line.trace_level);
     EXPECT_EQ (0, Reading ({"-v", "-t"}).line.trace_level);
     EXPECT_EQ (2147483647, Reading ({"-t", "99999999999"}).line.trace_level);
-    EXPECT_EQ (5, Reading ({"-v"}).line.trace_level);
-    EXPECT_EQ (5, Reading ({"-V"}).line.trace_level);
+    EXPECT_EQ (5, Reading (std::vector<const char *> {"-v"}).line.trace_level);
+    EXPECT_EQ (5, Reading (std::vector<const char *> {"-V"}).line.trace_level);
     EXPECT_EQ (1, Reading ({"-v", "-t", "1"}).line.trace_level);
 }
 
@@ -124,7 +124,7 @@ TEST (CommandLine, WindowPlace) {
     EXPECT_EQ (10, cut.line.x);
     EXPECT_EQ (0, cut.line.width);
     EXPECT_EQ (0, cut.line.has_y);
-    EXPECT_EQ (0, Reading ({"-y"}).line.height);
+    EXPECT_EQ (0, Reading (std::vector<const char *> {"-y"}).line.height);
 }
 
 TEST (CommandLine, UnknownOptionShowsTheUsage) {

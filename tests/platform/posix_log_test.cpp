@@ -2,6 +2,7 @@
 // the same file.
 #include "util/my_error_fct.h"
 
+#include <fcntl.h>
 #include <signal.h>
 #include <string.h>
 #include <sys/stat.h>
@@ -308,4 +309,20 @@ TEST_F (PosixLogFile, ManyNamesKeepAFewFilesOpen) {
     EXPECT_LE (open_files (), before + 3);
     Log_Files_End ();
     EXPECT_EQ (open_files (), before);
+}
+
+// The reader of a FIFO waits until the last writer has closed it.
+TEST_F (PosixLogFile, AFifoIsClosedAfterEachLine) {
+    std::string fifo = directory.File ("fifo");
+    ASSERT_EQ (mkfifo (fifo.c_str (), 0600), 0);
+    snprintf (Log.audit_name, sizeof Log.audit_name, "fifo");
+    for (const char *text : {"three", "four"}) {
+        int  reader    = open (fifo.c_str (), O_RDONLY | O_NONBLOCK);
+        char bytes[20] = "";
+        Line (text);
+        EXPECT_EQ (read (reader, bytes, sizeof bytes), static_cast<ssize_t> (strlen (text) + 1));
+        EXPECT_EQ (bytes, std::string (text) + "\n");
+        EXPECT_EQ (read (reader, bytes, sizeof bytes), 0) << "the end, no wait for more";
+        close (reader);
+    }
 }

@@ -26,6 +26,7 @@
 
 #include "tests/support/temporary.h"
 #include "util/error_text.h"
+#include "util/file.h"
 
 // The exit status of what runs in a process of its own.
 static int In_Child (const std::function<int ()> &what) {
@@ -430,6 +431,23 @@ TEST_F (PosixFiles, ReadAtAnyPosition) {
     EXPECT_EQ (System_File_Read (file, -1, bytes, 1), -1);
     EXPECT_EQ (System_Last_Error (), static_cast<unsigned> (EINVAL));
     System_File_Close (file);
+}
+
+// A regular file whose first page can't be read: the memory of this process.
+TEST_F (PosixFiles, WhatCannotBeReadFailsInSmallAndLargeReads) {
+    File             *file = File_Open ("/proc/self/mem");
+    std::vector<char> bytes (3 * FILE_BUFFER_SIZE, 'x');
+    ASSERT_NE (file, nullptr);
+    for (size_t count : {size_t (1), bytes.size ()}) {
+        System_Last_Error_Set (0);
+        EXPECT_EQ (File_Read (file, bytes.data (), count), -1) << count;
+        EXPECT_EQ (System_Last_Error (), static_cast<unsigned> (EIO));
+        EXPECT_EQ (File_Tell (file), 0);
+    }
+    ASSERT_EQ (File_Seek (file, static_cast<int64_t> (reinterpret_cast<uintptr_t> (name.c_str ()))), 1);
+    EXPECT_EQ (File_Read (file, bytes.data (), 4), 4) << "a failure leaves the file usable";
+    EXPECT_EQ (std::string (bytes.data (), 4), name.substr (0, 4));
+    File_Close (file);
 }
 
 // --- mapping ---------------------------------------------------------------

@@ -37,9 +37,9 @@ static File *Module_File_Open (Window window, const char *modality, char *name) 
 }
 
 static int Read_Module (Flat *flat, const char *module, const char *label, int line_number) {
-    char  name[DEFINITION_NAME_SIZE];
-    int   fits = Definition_Name (name, "DICOM_Attributes_%s.txt", module);
-    File *file = fits ? Definition_Open (name) : nullptr;
+    char name[DEFINITION_NAME_SIZE];
+    Definition_Name (name, "DICOM_Attributes_%s.txt", module); // What a line holds fits.
+    File *file = Definition_Open (name);
     if (!file) {
         Definition_Warn (flat->window, " reading IOD file:", label, line_number);
         Log_Message (flat->window, LOG_WARNING,

@@ -350,6 +350,20 @@ TEST (Format, AnUnknownTagBeforeTheNextItemOfItsSequenceOpensNothing) {
     EXPECT_EQ ("(0008,1140)[(0009,1001)][(0008,1150)]", Nested (&flat).Plain ());
 }
 
+TEST (Format, AnUnknownTagBeforeAnItemInsideItsOwnItemBecomesASequence) {
+    Flat flat;
+    flat.Length (-1, 0x0008, 0x1140, "SQ");
+    Attribute *item = flat.Item (0);
+    flat.Length (-1, 0x0009, 0x1001);
+    flat.Item ();
+    flat.Add (0x0008, 0x1150, "UI", "A ");
+    flat.Item_End ();
+    flat.Sequence_End ();
+    item->length = static_cast<int32_t> (flat.position - item->pos_data);
+    flat.Sequence_End ();
+    EXPECT_EQ ("(0008,1140)[(0009,1001)[(0008,1150)]]", Nested (&flat).Plain ());
+}
+
 TEST (Format, ItemsAndDelimitersNeverOpenASequence) {
     Flat flat;
     flat.Sequence_End ();
@@ -625,6 +639,7 @@ TEST (FormatVrCheck, OtherBytesAreGuessedFromTheirLength) {
         {std::string ("\x01\x02\x03", 3), ""},
         {std::string ("\x01\x02\x03\x04\x05\x06", 6), ""},
         {std::string ("\xE4\x62", 2), "SS"},
+        {std::string ("A\x7F", 2), "SS"}, // DEL is no text
         {std::string ("\x01", 1), ""},
         {std::string (1024, '\x01'), ""},
         {std::string (1024, 'a'), "ST"},

@@ -97,6 +97,32 @@ TEST (Value, ResizingKeepsTheFirstBytes) {
     Value_Release (&b);
 }
 
+TEST (Value, ResizingASharedValueToLessCopiesTheRestOnly) {
+    for (int32_t size : {3, 1, 0}) {
+        Attribute a = Text ("ABCD"), b = {};
+        b.length = 4;
+        Value_Share (&b, &a);
+        ASSERT_EQ (1, Value_Resize (nullptr, HERE ("b", size, 1), &b, size));
+        b.length = size;
+        EXPECT_NE (a.data, b.data);
+        EXPECT_EQ (std::string ("ABCD").substr (0, static_cast<size_t> (size)), Value (&b));
+        EXPECT_EQ ("ABCD", Value (&a));
+        Value_Release (&a);
+        Value_Release (&b);
+    }
+}
+
+TEST (Value, UnsharingAnEmptyValueMakesItsOwnBuffer) {
+    Attribute a = Text ("AB"), b = {};
+    Value_Share (&b, &a); // Of length 0.
+    ASSERT_EQ (1, Value_Unshare (nullptr, HERE ("b", 0, 1), &b));
+    EXPECT_NE (nullptr, b.data);
+    EXPECT_NE (a.data, b.data);
+    EXPECT_EQ ("AB", Value (&a));
+    Value_Release (&a);
+    Value_Release (&b);
+}
+
 TEST (Value, AFailedResizeKeepsTheValue) {
     Log_Recorder log;
     Attribute    a = Text ("ABCD"), b = {};

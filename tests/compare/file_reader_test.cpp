@@ -552,6 +552,17 @@ TEST (FileReader, ElementZeroWithLengthIsRead) {
     EXPECT_EQ (0, log.Count (LOG_TRACE3, "NULL element"));
 }
 
+TEST (FileReader, ElementZeroWithAVrIsRead) {
+    Reader       reader;
+    Log_Recorder log (3);
+    Stream       stream = Small_File ();
+    Stream_Add_Text (&stream, 0x0000, 0x0000, "UL", "");
+    Stream_Add_Text (&stream, 0x0010, 0x0030, "DA", "20010203");
+    reader.Elements (stream.bytes);
+    EXPECT_EQ (6, reader.Count ());
+    EXPECT_EQ (0, log.Count (LOG_TRACE3, "NULL element"));
+}
+
 TEST (FileReader, ExplicitPaddingOfZerosStopsWithAWarning) {
     Reader       reader;
     Log_Recorder log;

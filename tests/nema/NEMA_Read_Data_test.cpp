@@ -392,6 +392,15 @@ TEST_P (NemaReadDataFrom, LeftIsCheckedExactly) {
     EXPECT_EQ (log.Text (LOG_WARNING), End_Report (opened, 3, 4));
 }
 
+TEST (NemaReadData, WhatIsMissingIsReportedAlsoWhenThePositionIsUnknown) {
+    Log_Recorder  log;
+    Opened_Source opened (NEMA_FILE, Hex ("01 02 03"));
+    File_Fail_At (FILE_TELL, 1, ERROR_CODE);
+    EXPECT_EQ (NEMA_Check_Left (nullptr, &opened.source, 4), 0);
+    EXPECT_EQ (log.Text (LOG_WARNING), "End of File while reading: (3 /vs/ 4) (" + opened.Name () + ")\n");
+    EXPECT_EQ (opened.Position (), 0) << "nobody knows where the end would be";
+}
+
 // --- position --------------------------------------------------------------
 
 TEST_P (NemaReadDataFrom, MovesAndTells) {

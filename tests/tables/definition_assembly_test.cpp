@@ -156,6 +156,17 @@ TEST (DefinitionAssembly, ModuleFileIsReadByTheRulesOfLines) {
                tables.warnings);
 }
 
+TEST (DefinitionAssembly, LongModuleNameIsNamedWhole) {
+    Assembled   tables;
+    std::string name = "DICOM_Attributes_" + std::string (2000, 'm') + ".txt";
+    tables.Module ("X", "A\n" + std::string (2000, 'm') + "\n");
+    tables.Attributes ("A", "(0010,0010)\n");
+    EXPECT_EQ ("(0010,0010)", tables.Assemble ());
+    EXPECT_EQ ("WARNING: reading IOD file:DICOM_Module_X.txt line:2\n\t\t Unable to open attributes file:" + name +
+                   "\n",
+               tables.warnings);
+}
+
 TEST (DefinitionAssembly, IncludesAreForgottenAtTheEnd) {
     Assembled tables;
     tables.Module ("X", "A\nA\n");

@@ -597,6 +597,30 @@ TEST (DefinitionInclude, GetGivesTheCachedList) {
     EXPECT_EQ (2, log.Count (LOG_WARNING, "WARNING: reading Attribute file:T line:3"));
 }
 
+TEST (DefinitionInclude, GetWithoutMemoryGivesNone) {
+    Include_Read tables;
+    tables.Include ("A", "(0010,0020) desc=one\ninclude B\n");
+    tables.Include ("B", "(0010,0022)\n");
+    DICOM_Module_Include_Get (nullptr, nullptr, "A", "T", 1); // What is made once and kept is made.
+    DICOM_Module_Include_Free (nullptr);
+    long live = Memory_Live ();
+    for (long n = 1;; n++) {
+        Log_Recorder log;
+        Memory_Fail_At (n);
+        Attribute *macro  = DICOM_Module_Include_Get (nullptr, nullptr, "A", "T", 1);
+        int        failed = Memory_Failed ();
+        Memory_Fail_At (0);
+        bool       missing = log.Count (LOG_WARNING) > 0; // A file that isn't opened is only warned about.
+        EXPECT_EQ (failed, log.Count (LOG_ERROR)) << n;
+        if (!failed) EXPECT_EQ ("(0010,0020) (0010,0022)", Outline (macro));
+        else if (!missing) EXPECT_EQ (nullptr, macro) << n;
+        DICOM_Module_Include_Free (nullptr);
+        EXPECT_EQ (live, Memory_Live ()) << n;
+        ASSERT_LT (n, 100);
+        if (!failed) break;
+    }
+}
+
 // More than a process may have open files, and more than a call stack would take. The last one has the only attribute.
 TEST (DefinitionInclude, ThousandsOfFilesDeep) {
     static const int DEPTH = 2500;

@@ -94,6 +94,7 @@ TEST (DefinitionPrivate, KeyIsShortenedUntilATableIsFound) {
     EXPECT_EQ ("A_________B|A_________|A________|A_______|A______|A_____|A____|A___|A__|A_|A|",
                Tried (" \ta/\\:*?\"<>|b  "));
     EXPECT_EQ ("A 1.0|A 1.|A 1|A |A|", Tried ("a 1.0"));
+    EXPECT_EQ ("Z{|Z|", Tried ("z{"));
     EXPECT_EQ ("", Tried (""));
     EXPECT_EQ ("", Tried (nullptr));
     EXPECT_EQ ("", Tried (" \t "));

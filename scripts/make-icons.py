@@ -193,7 +193,8 @@ def program_icon(size):
     return layers
 
 
-PROGRAM_SIZES = (16, 32, 48, 256)
+PROGRAM_SIZES = (16, 32, 48, 256)    # In the ICO file.
+PNG_SIZES = (16, 32, 48, 64, 128)    # Besides the largest one, tagwright.png: what desktops look for.
 
 # --- drawing -------------------------------------------------------------------------------------------------------------
 
@@ -317,6 +318,8 @@ def make():
     pictures = [(size, paint(program_icon(size), size, size / 16)) for size in PROGRAM_SIZES]
     large = png(pictures[-1][1])
     files["tagwright.png"] = large
+    for size in PNG_SIZES:
+        files[f"tagwright_{size}.png"] = png(paint(program_icon(size), size, size / 16))
     files["tagwright.ico"] = ico([(size, bitmap(rows)) for size, rows in pictures[:-1]] + [(256, large)])
     return files
 

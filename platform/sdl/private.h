@@ -66,6 +66,11 @@ void Picture_Touch (Window window, const Area *area);   // Marks as drawn.
 // Releases a window that was destroyed when neither an event nor a drawing needs it any more.
 void Window_Release (Window window);
 
+// The PNG file of the program's icon, and what gives it to a window. A window goes on without it.
+extern const uint8_t PROGRAM_ICON[];
+extern const size_t  PROGRAM_ICON_SIZE;
+void Screen_Icon_Set (SDL_Window *window);
+
 Window Window_On_Screen (void);     // Any that is on the screen, or none.
 
 // Shows a window, and delivers events to it only, until done is set or the window is closed; then destroys it.

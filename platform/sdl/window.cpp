@@ -181,8 +181,9 @@ static int Screen_Window_Create (Window window, const Window_Description *descri
     window->shown = SDL_CreateWindow (description->title ? description->title : "", Screen_Place (description->x),
                                       Screen_Place (description->y), window->width, window->height,
                                       SDL_WINDOW_HIDDEN | SDL_WINDOW_RESIZABLE);
-    if (!window->shown) Error_Set ("The window can't be made. (%s)", SDL_GetError ());
-    return window->shown != nullptr;
+    if (!window->shown) return Error_Set ("The window can't be made. (%s)", SDL_GetError ()), 0;
+    Screen_Icon_Set (window->shown);
+    return 1;
 }
 
 // What has been drawn since the last time. The window may have another size already; its event comes.

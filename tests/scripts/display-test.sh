@@ -73,6 +73,21 @@ bar=C86432
 start window
 expect "create 300 200"
 expect "open"
+
+# What a desktop knows it by: the name that its menu entry says, and the program's icon, pixel for pixel.
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+class=$(sed -n 's/^StartupWMClass=//p' "$root/packaging/linux/tagwright.desktop")
+[[ "$(xprop -id "$window" WM_CLASS)" == *"\"$class\""* ]] || fail "class: $(xprop -id "$window" WM_CLASS)"
+xprop -id "$window" -f _NET_WM_ICON 32x -notype _NET_WM_ICON | grep -o '0x[0-9a-fA-F]*' >"$stage/icon"
+python3 - "$stage/icon" <<'END_OF_PYTHON' >"$stage/icon.rgba" || fail "the icon is no picture"
+import struct, sys
+numbers = [int(line, 16) for line in open(sys.argv[1])]
+assert numbers[:2] == [128, 128] and len(numbers) == 2 + 128 * 128, numbers[:2]
+sys.stdout.buffer.write(b"".join(struct.pack(">I", (n & 0xFFFFFF) << 8 | n >> 24) for n in numbers[2:]))
+END_OF_PYTHON
+distance=$(compare -metric AE -fuzz 2% -size 128x128 -depth 8 "rgba:$stage/icon.rgba" "$root/Icons/tagwright_128.png" null: 2>&1 || true)
+[ "$distance" = 0 ] || fail "the icon is another picture: $distance pixels"
+
 [ "$(grep -xF -m 1 -e open -e "paint 300 200" "$stage/events")" != open ] || fail "shown, but not drawn at once"
 picture
 pixel_is 0 199 $bar

@@ -21,6 +21,7 @@ static Window           shown; // None before the create event and after the des
 static const Settings  *settings;
 static int              wheel; // What didn't make a whole notch yet.
 static int              running;
+static Window_Event     first_drop; // Of the files that the program was started with.
 static Main_Window_Loop test_loop;
 
 Drop_Slots Drops;
@@ -388,9 +389,17 @@ static void Close (void) {
     Window_Destroy (window);
 }
 
+void Main_Window_Files_Set (const char *const *files, int count) {
+    first_drop            = {};
+    first_drop.kind       = WINDOW_DROP;
+    first_drop.files      = files;
+    first_drop.file_count = count;
+}
+
 int Main_Window_Run (Window window) {
     Window_Invalidate (window);
     Main_Window_Help (window);
+    if (first_drop.file_count) Window_Send (window, &first_drop);
     int result = test_loop ? test_loop (window) : Window_Loop ();
     Close ();
     return result;
@@ -406,4 +415,5 @@ void Main_Window_Exit (void) {
     settings = nullptr;
     wheel    = 0;
     running  = 0;
+    Main_Window_Files_Set (nullptr, 0);
 }

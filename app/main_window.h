@@ -28,6 +28,10 @@ Window Main_Window_Create (const Main_Window_Place *place, const Settings *setti
 // exit code.
 int  Main_Window_Run (Window window);
 
+// The files that Main_Window_Run takes as its first drop, after the help. Borrowed until it has ended; none is possible.
+void Main_Window_Files_Set (const char *const *files, int count);
+
+
 int  Main_Window_Procedure (Window window, const Window_Event *event);
 void Window_Layout (Window window, int width, int height);  // Places all widgets for a client area of this size.
 void Pointer_Store (Window window, int x, int y);           // (0, 0): where the system says that the pointer is.

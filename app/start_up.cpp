@@ -231,12 +231,13 @@ static void Release (void) {
     Paths_Free ();
 }
 
-static int Run (const Command_Line *line) {
+static int Run (const Command_Line *line, int in_window) {
     Window window = nullptr;
     Console_Start (line->trace_level);
-    if (!line->count) {
+    if (!line->count || in_window) {
         window = Window_Open (line);
         if (!window) return WINDOW_FAILED;
+        Main_Window_Files_Set (line->input_file, line->count);
     }
     Log_Start ();
     int result = Paths_Set () ? Work (line, window) : MEMORY_FAILED;
@@ -250,7 +251,7 @@ int Program_Run (const Program_Arguments *arguments) {
 
     Identity_Set ();
     switch (Command_Line_Read (arguments, &line)) {
-    case 1: result = Run (&line); break;
+    case 1: result = Run (&line, arguments->in_window); break;
     case 0: result = MEMORY_FAILED; break;
     default: break;
     }

@@ -13,6 +13,7 @@ struct Program_Arguments {
     const char         *text;
     int                 count;
     const char *const  *words;
+    int                 in_window = 0;  // The input names are shown in the window, as if they had been dropped on it.
 };
 
 // Supplied by app/, called by the back end's entry. The result goes through System_Exit_Status.
@@ -33,7 +34,8 @@ size_t      System_Directory_Limit (void);      // Longest path of a directory t
 
 // Each writes a path that ends in a separator into result (size bytes). 0 when there is none or it does not fit.
 int System_Install_Path (char *result, size_t size);    // Linux: folder of the executable when it holds the program's data,
-                                                        // else ../share/tagwright/, else /usr/share/tagwright/. Windows: 0.
+                                                        // else ../share/tagwright/, else /usr/share/tagwright/. Windows:
+                                                        // folder of the executable when it holds in-place.txt, else 0.
 int System_User_Data_Path (char *result, size_t size);  // APPDATA; on Linux else XDG_DATA_HOME, else ~/.local/share.
 int System_Scratch_Path (char *result, size_t size);    // Default of the scratch directory: C:\Temp\ or /tmp/tagwright-UID/.
 

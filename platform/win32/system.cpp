@@ -20,8 +20,21 @@ const char *System_Line_End (void) { return "\r\n"; }
 // A directory must leave room for a short file name and the terminating zero.
 size_t System_Directory_Limit (void) { return MAX_PATH - 12 - 1; }
 
-// Windows programs find their install path in the registry.
-int System_Install_Path (char *, size_t) {
+// Windows programs find their install path in the registry, where only an administrator can write it. A copy that was
+// put somewhere without one, by unpacking it or for one user, says by a file beside the program that all is there.
+int System_Install_Path (char *result, size_t size) {
+    static const char MARK[] = "in-place.txt";
+    char              path[SYSTEM_PATH_SIZE];
+    DWORD             length = GetModuleFileNameA (nullptr, path, sizeof path);
+    char             *last   = length && length < sizeof path ? strrchr (path, '\\') : nullptr;
+    if (last && (size_t)(last + 1 - path) + sizeof MARK <= sizeof path && (size_t)(last + 1 - path) < size) {
+        memcpy (last + 1, MARK, sizeof MARK);
+        if (System_File_Exists (path)) {
+            last[1] = 0;
+            memcpy (result, path, strlen (path) + 1);
+            return 1;
+        }
+    }
     SetLastError (ERROR_PATH_NOT_FOUND);
     return 0;
 }

@@ -86,8 +86,8 @@ struct Started {
         Log_Recorder silent; // Its end leaves the sink that writes nothing.
     }
 
-    void Run (const std::vector<const char *> &words) {
-        Program_Arguments arguments = {nullptr, static_cast<int> (words.size ()), words.data ()};
+    void Run (const std::vector<const char *> &words, int in_window = 0) {
+        Program_Arguments arguments = {nullptr, static_cast<int> (words.size ()), words.data (), in_window};
         testing::internal::CaptureStdout ();
         testing::internal::CaptureStderr ();
         result = Program_Run (&arguments);
@@ -316,6 +316,22 @@ TEST (StartUp, NoNamesOpenTheWindow) {
         << listed;
     EXPECT_TRUE (Contains (listed, " black \t\t\t in both the file and the modality \t\t different\n"));
     EXPECT_EQ ("", started.Trace ());
+}
+
+TEST (StartUp, NamesAreTakenAsADropWhereTheSystemOpensFiles) {
+    Looked      started;
+    std::string a = Example_Path ("ct_a.dcm"), b = Example_Path ("ct_b.dcm");
+    started.Run ({a.c_str (), b.c_str ()}, 1);
+    EXPECT_EQ (7, started.result);
+    EXPECT_EQ ("", started.output + started.errors + boxes);
+    size_t help = listed.find ("- Drag & Drop 1 DICOM file"), drop = listed.find ("Comparing 2 files...\n");
+    EXPECT_NE (std::string::npos, drop) << listed;
+    EXPECT_LT (help, drop);
+    EXPECT_TRUE (Contains (listed, "Found 12 differences")) << listed;
+    EXPECT_TRUE (Contains (started.Audit (), Line_Ends ("\nFound 12 differences\n")));
+
+    started.Run ({}, 1); // A window without files is as ever.
+    EXPECT_FALSE (Contains (listed, "Comparing 0 file")) << listed;
 }
 
 TEST (StartUp, OptionsSetTheWindowsSize) {

@@ -140,6 +140,26 @@ static std::set<std::string> Text_Files (const std::string &directory) {
     return names;
 }
 
+// A copy of the program that stands somewhere without being registered, as the portable one and one user's own do.
+TEST (Win32Program, AMarkBesideTheProgramMakesItsFolderTheInstallDirectory) {
+    Temporary_Directory folder, user;
+    std::string         program = folder.File ("Tagwright.exe");
+    std::string         files   = Quoted (Example ("ct_a.dcm")) + " " + Quoted (Example ("ct_b.dcm"));
+    std::filesystem::copy_file (Program_Built (), program);
+    folder.Write ("Tagwright.ini", "skip = (0010,*)\nscratch = " + folder.File ("scratch") + "\n");
+    std::filesystem::create_directory (folder.File ("DICOM Tables"));
+    folder.Write ("DICOM Tables/version.txt", "2024\n");
+
+    Install_Key none ("");
+    EXPECT_EQ (12, Program_Run_Copy (program, user, files).status);
+    EXPECT_EQ ("", Read_Whole (user.File ("Kestrelbay/DICOM Tables/version.txt")));
+
+    std::filesystem::remove_all (user.File ("Kestrelbay/DICOM Tables"));
+    folder.Write ("in-place.txt", "");
+    EXPECT_EQ (10, Program_Run_Copy (program, user, files).status);
+    EXPECT_EQ ("2024\n", Read_Whole (user.File ("Kestrelbay/DICOM Tables/version.txt")));
+}
+
 // --- icons -----------------------------------------------------------------
 
 static int Blended (int channel) { return channel * 255 >> 8; }

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Installs the Debian 12 packages of the groups named, those that are missing: build, test, bench, fuzz, coverage, format.
-# Says nothing when all of them are there.
+# Installs the Debian 12 packages of the groups named, those that are missing: build, test, bench, fuzz, release, format. Says
+# nothing when all of them are there.
 set -eu
 
 usage () {
-  echo "usage: install-packages.sh GROUP...   (groups: build test bench fuzz coverage format)" >&2
+  echo "usage: install-packages.sh GROUP...   (groups: build test bench fuzz coverage release format)" >&2
   exit 2
 }
 
@@ -18,11 +18,15 @@ packages_of () {
     build) echo "g++ cmake ninja-build pkg-config libsdl2-dev libpango1.0-dev fonts-liberation" ;;
     test)
       echo "googletest g++-mingw-w64-x86-64-posix wine64 wine python3 python3-pydicom dcmtk procps xvfb xauth"
-      echo "imagemagick xdotool x11-apps libx11-dev man-db"
+      echo "imagemagick xdotool x11-apps x11-utils libx11-dev man-db groff desktop-file-utils nsis"
       ;;
     bench) echo "hyperfine time diffutils python3 dcmtk libgdcm-tools" ;;
     fuzz) echo "clang-14 libclang-rt-14-dev python3 python3-pydicom" ;;
     coverage) echo "clang-14 libclang-rt-14-dev llvm-14 python3" ;;
+    release)
+      echo "g++-mingw-w64-x86-64-posix nsis zip unzip gzip tar git file dpkg-dev fakeroot lintian man-db desktop-file-utils wine64 wine"
+      echo "xvfb xauth xdotool python3 binutils"
+      ;;
     format) echo "clang-format" ;;
     *) usage ;;
   esac

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian 12 packages of the groups named, those that are missing: build, test, bench, fuzz, release, format. Says
-# nothing when all of them are there.
+# Installs the Debian 12 packages of the groups named, those that are missing: build, test, bench, fuzz, coverage, release,
+# format. Says nothing when all of them are there.
 set -eu
 
 usage () {

@@ -29,8 +29,8 @@ static int Fails_Now (void) {
 void Memory_Report (Window window, const Memory_Site *site, const char *call) {
     Log_Message (window, LOG_ERROR, "line %-4d of %s \nmemory error in %s (var=%s, dim=%dx%d)", site->line,
                  site->module, call, site->variable, site->count, site->size);
-    System_Last_Error_Set (
-        System_Memory_Error ()); // Whoever reports the consequence asks for it, after the log's own files.
+    // Whoever reports the consequence asks for it; the log's files may have changed it.
+    System_Last_Error_Set (System_Memory_Error ());
 }
 
 // --- blocks ----------------------------------------------------------------

@@ -109,7 +109,8 @@ std::set<std::string> Every_Memory_Failure (const Memory_Trial &trial, Memory_Lo
     const std::string whole = trial.run ();
     trial.end ();
     EXPECT_TRUE (trial.reports ().empty ());
-    const long live = Memory_Live ();
+    auto       count = [&trial] { return trial.live ? trial.live () : Memory_Live (); };
+    const long live  = count ();
 
     for (long n = 1, failed = 1; failed; n++) {
         SCOPED_TRACE ("failure " + std::to_string (loss) + " at " + std::to_string (n));
@@ -117,7 +118,7 @@ std::set<std::string> Every_Memory_Failure (const Memory_Trial &trial, Memory_Lo
         EXPECT_EQ (whole, trial.run ());
         EXPECT_TRUE (trial.reports ().empty ());
         trial.end ();
-        EXPECT_EQ (live, Memory_Live ());
+        EXPECT_EQ (live, count ());
         if (n > 20000 || ::testing::Test::HasFailure ()) break;
     }
     return told;

@@ -26,6 +26,8 @@ struct Memory_Trial {
     std::function<std::vector<std::string> ()> reports;
     // 1 when some failures are told by other words, or not at all.
     int quiet = 0;
+    // Blocks that are alive, without those that a run may leave behind. None: Memory_Live.
+    std::function<long ()> live;
     // What a run that failed has to show, or none.
     std::function<void (const std::string &result, const std::vector<std::string> &reports)> check;
 };

@@ -196,6 +196,42 @@ def plain_cell(cell):
     return cell.replace("`", "").replace("**", "")
 
 
+class Limits(unittest.TestCase):
+    """docs/limits.md tells the limits that the sources have."""
+
+    LIMITS = [
+        ("2,147,483,647 bytes", "compare/file_reader.cpp", "FILE_SIZE_MOST = 0x7FFFFFFF;"),
+        ("132 bytes", "compare/file_reader.cpp", "PREAMBLE_SIZE = 128;"),
+        ("inside one another | 9 ", "attribute/sequence_cursor.h", "SEQUENCE_DEPTHS = 10;"),
+        ("260 characters", "app/main_window.h", "DROP_NAME_LIMIT = 260;"),
+        ("60 characters, 10 numbers or 16 bytes", "compare/attribute_comparison.h", "VALUE_TEXT_LENGTH = 62;"),
+        ("179 characters", "view/result_view.h", "VIEW_DESCRIPTION = 180;"),
+        ("| 100 | the program ends", "view/result_view.h", "VIEW_LEVELS = 100;"),
+        ("ends with 3", "view/result_view.h", "FATAL_EXIT = 3;"),
+        ("10,239 characters", "util/my_error_fct.h", "LOG_TEXT_SIZE = 10240;"),
+        ("| 10,000 |", "tools/texts.h", "TEXT_LINES = 10000;"),
+        ("19 characters", "compare/difference_list.h", "ROW_NAME_SIZE = 20;"),
+        ("| 255 bytes | cut |", "tools/primitives.h", "DRAW_TEXT_LIMIT = 255;"),
+        ("255 characters with its end", "app/configuration.h", "CONFIGURATION_LINE_LENGTH = 255;"),
+        ("2047 bytes", "tables/definition_files.h", "DEFINITION_LINE_SIZE = 2048;"),
+        ("250,000", "tables/definition_files.h", "DEFINITION_RECORDS = 250000;"),
+        ("| 10,239 |", "tables/definition_files.h", "DEFINITION_INCLUDES = 10240;"),
+        ("1,048 bytes", "tables/definition_files.h", "DEFINITION_NUMBERS_SIZE = 1048;"),
+        ("| 255 bytes | cut, with a warning", "tables/definition_files.h", "DEFINITION_KEY_SIZE = 256;"),
+        ("| 99 |", "tables/modality.h", "MODALITY_LIMIT = 100;"),
+        ("-32,000 and 32,000", "app/start_up.cpp", "WINDOW_LIMIT = 32000;"),
+        ("136 x 39 pixels", "app/start_up.cpp", "WINDOW_LEAST_WIDE = 136;"),
+        ("narrower or lower than 30 pixels", "app/main_window.h", "LAYOUT_SMALLEST = 30;"),
+    ]
+
+    def test_limits(self):
+        page = " ".join("\n".join(lines_of["docs/limits.md"]).split())
+        for text, path, code in self.LIMITS:
+            source = " ".join(" ".join(pages.read_lines(os.path.join(ROOT, path))).split())
+            self.assertIn(text, page)
+            self.assertIn(code, source, path)
+
+
 class Messages(unittest.TestCase):
     """docs/repairs.md explains the messages that reading a file can bring, all of them, and no others."""
 

@@ -90,7 +90,7 @@ NOT_RUN = [
     (r"(sudo )?(apt|apt-get|dpkg) ", "installs or removes packages", check_packages),
     (r"tar xzf ", "unpacks a package", check_packages),
     (r"cmake |ctest ", "configures, builds or tests a whole tree", check_cmake),
-    (r"\./(test|bench)\.sh|scripts/|tests/scripts/", "installs packages, builds, or takes long", check_script),
+    (r"\./(test|bench)\.sh|scripts/|tests/\w+/", "installs packages, builds, or takes long", check_script),
     (r"build/\w+/tests/(\w+_test|gallery$)|build/fuzz/", "is a test of its own, or opens a window", check_test_program),
     (r"(\w+=\S+ )*wine ", "needs Wine", check_program),
     (r"(\./run\.sh|tagwright)( -[xy] \S+ \S+)*( &)?$", "opens a window", check_program),

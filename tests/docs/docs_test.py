@@ -196,6 +196,26 @@ def plain_cell(cell):
     return cell.replace("`", "").replace("**", "")
 
 
+class Building(unittest.TestCase):
+    """docs/building.md names all presets, options and groups of packages."""
+
+    def names(self, heading):
+        return sorted(name for row in pages.table_rows(lines_of["docs/building.md"], heading)
+                      for name in re.findall(r"`([^`]+)`", row[0]))
+
+    def test_presets(self):
+        self.assertEqual(self.names("preset"), sorted(facts.presets["configure"]))
+
+    def test_options(self):
+        options = re.findall(r"^option \((\w+)", facts.cmake, re.M)
+        self.assertEqual(self.names("option"), sorted(options + ["CMAKE_BUILD_TYPE"]))
+
+    def test_groups(self):
+        with open(os.path.join(ROOT, "scripts", "install-packages.sh")) as script:
+            groups = re.search(r"\(groups: ([^)]*)\)", script.read()).group(1)
+        self.assertEqual(self.names("group"), sorted(groups.split()))
+
+
 class Limits(unittest.TestCase):
     """docs/limits.md tells the limits that the sources have."""
 

@@ -68,6 +68,10 @@ def check_packages(facts, words):
     return None
 
 
+def check_folder(facts, words):
+    return check_packages(facts, [words[0].split("/")[0] + ".tar.gz"])
+
+
 def check_program(facts, words):
     unknown = [word for word in words if re.fullmatch(r"-\w", word) and word not in facts.options]
     return "no option " + unknown[0] if unknown else None
@@ -93,7 +97,8 @@ NOT_RUN = [
     (r"\./(test|bench)\.sh|scripts/|tests/\w+/", "installs packages, builds, or takes long", check_script),
     (r"build/\w+/tests/(\w+_test|gallery$)|build/fuzz/", "is a test of its own, or opens a window", check_test_program),
     (r"(\w+=\S+ )*wine ", "needs Wine", check_program),
-    (r"(\./run\.sh|tagwright)( -[xy] \S+ \S+)*( &)?$", "opens a window", check_program),
+    (r"(\./run\.sh|tagwright)( -[xy] \S+ \S+)*( &)?$|tagwright-open ", "opens a window", check_program),
+    (r"tagwright-[\d.]+\S*/tagwright", "is the program of a package", check_folder),
     (r"man ", "needs the installed page", check_man),
 ]
 WINDOWS = ("runs on Windows", check_program)

@@ -38,6 +38,7 @@ static Log_Sink              sink;
 static Log_List              list;
 static std::atomic<int>      error_log_begun;
 static std::atomic<int>      scratch_reported;
+static std::atomic<int>      run;     // Counts the calls of Log_Settings_Reset.
 static thread_local int      opening; // A report from below Log_File_Open must not open a file again.
 static char                  ring[LOG_RING_SLOTS][LOG_RING_SIZE];
 static std::atomic<uint16_t> ring_next; // Runs on past the last slot; the slot is the rest of its division.
@@ -47,6 +48,7 @@ void Log_Settings_Reset (void) {
     error_log_begun  = 0;
     scratch_reported = 0;
     ring_next        = 0;
+    run++;
     memset (ring, 0, sizeof ring);
 }
 
@@ -56,12 +58,42 @@ const char *Log_Thread_Text (int slot) { return slot >= 0 && slot < LOG_RING_SLO
 
 // --- texts -----------------------------------------------------------------
 
+static int Stays (char c) { return (c >= 0x20 && c <= 0x7E) || c == '\t' || c == '\n'; }
+
+// Mostly nothing has to go, which is found out for many bytes at once.
+static int All_Stay (const char *text, size_t length) {
+    uint8_t goes = 0;
+    for (size_t i = 0; i < length; i++)
+        goes |= static_cast<uint8_t> ((text[i] < 0x20 || text[i] > 0x7E) & (text[i] != '\t') & (text[i] != '\n'));
+    return !goes;
+}
+
 void Log_Clean_Text (const char *text, char *clean, size_t size) {
     if (!size) return;
+    size_t length = strlen (text);
+    if (length < size && All_Stay (text, length)) {
+        memcpy (clean, text, length + 1);
+        return;
+    }
     char *last = clean + size - 1;
     for (; *text && clean < last; text++)
-        if ((*text >= 0x20 && *text <= 0x7E) || *text == '\t' || *text == '\n') *clean++ = *text;
+        if (Stays (*text)) *clean++ = *text;
     *clean = 0;
+}
+
+// Copies text with its zero to the end of a line. Returns the new end.
+static char *Add (char *end, const char *text) {
+    size_t length = strlen (text);
+    memcpy (end, text, length + 1);
+    return end + length;
+}
+
+// A line as a file or the console gets it. Returns its length; line has room for the longest text.
+static size_t Line_Make (char *line, const char *prefix, int indent, const char *text, const char *end) {
+    char *used = Add (line, prefix);
+    memset (used, ' ', static_cast<size_t> (indent));
+    used = Add (Add (used + indent, text), end);
+    return static_cast<size_t> (used - line);
 }
 
 static void Local_Time (const char *format, char *result) {
@@ -163,47 +195,88 @@ static size_t End_Lines (const char *text, char *result) {
     return length;
 }
 
-// 1 when the line was handed to the file. A file with a number is looked for anew for each line; any other one is mostly
-// that of the line before, whose directory was looked at then.
-static int Write_Line (const char *name, const char *line) {
-    char      bytes[2 * (LINE_SIZE + LOG_PATH_SIZE)];
+enum Log_File { FILE_TRACE, FILE_AUDIT, FILE_ERROR, LOG_FILES };
+
+static const char *Log_File_Name (Log_File file) {
+    return file == FILE_TRACE ? Log.trace_name : file == FILE_AUDIT ? Log.audit_name : Log.error_name;
+}
+
+// Where the last line of a file went. As long as its name and the scratch directory are what they were, so is its path.
+struct Line_Path {
+    int  run; // 0 for none.
+    char name[LOG_PATH_SIZE];
+    char scratch[LOG_PATH_SIZE];
+    char path[SYSTEM_PATH_SIZE];
+};
+
+static thread_local Line_Path line_paths[LOG_FILES];
+
+static int Line_Path_Find (Line_Path *known, const char *name) {
+    char      directory[SYSTEM_PATH_SIZE];
+    Text_Path pieces;
+    known->run = 0;
+    Text_Split_Path (name, &pieces);
+    if (!Directory_Of (&pieces, directory, sizeof directory)) return 0;
+    if (!File_Path (&pieces, directory, known->path, sizeof known->path)) return 0;
+    if (!Text_Copy (known->name, sizeof known->name, name)) return 0;
+    if (!Text_Copy (known->scratch, sizeof known->scratch, Log.scratch)) return 0;
+    known->run = run + 1;
+    return 1;
+}
+
+// The path of a file without a number, or none.
+static const char *Line_Path_Of (Log_File file) {
+    Line_Path  *known = &line_paths[file];
+    const char *name  = Log_File_Name (file);
+    if (known->run == run + 1 && !strcmp (known->name, name) && !strcmp (known->scratch, Log.scratch))
+        return known->path;
+    return Line_Path_Find (known, name) ? known->path : nullptr;
+}
+
+// With the directory looked at, or made.
+static int Write_Anew (const char *name, const char *bytes, size_t count) {
     char      directory[SYSTEM_PATH_SIZE];
     char      path[SYSTEM_PATH_SIZE];
     Text_Path pieces;
-    size_t    count = End_Lines (line, bytes);
     Text_Split_Path (name, &pieces);
-    if (!Directory_Of (&pieces, directory, sizeof directory)) return 0;
-    if (!Log.rolling_limit && !opening && File_Path (&pieces, directory, path, sizeof path) &&
-        System_Append_Again (path, bytes, count))
-        return 1;
-    if (!Directory_Provide (directory)) return 0;
+    if (!Directory_Of (&pieces, directory, sizeof directory) || !Directory_Provide (directory)) return 0;
     return File_Path (&pieces, directory, path, sizeof path) && System_Append (path, bytes, count);
+}
+
+// A file with a number is looked for anew for each line; any other one is mostly that of the line before, whose directory
+// was looked at then.
+static int Write_Bytes (Log_File file, const char *bytes, size_t count) {
+    const char *path = Log.rolling_limit || opening ? nullptr : Line_Path_Of (file);
+    if (path && System_Append_Again (path, bytes, count)) return 1;
+    return Write_Anew (Log_File_Name (file), bytes, count);
+}
+
+// 1 when the line was handed to the file.
+static int Write_Line (Log_File file, const char *line, size_t length) {
+    char bytes[2 * (LINE_SIZE + LOG_PATH_SIZE)];
+    if (!strcmp (System_Line_End (), "\n")) return Write_Bytes (file, line, length);
+    return Write_Bytes (file, bytes, End_Lines (line, bytes));
 }
 
 void Log_Files_End (void) { System_Append_End (); }
 
 // --- destinations ----------------------------------------------------------
 
-static void Write_Console (const char *prefix, const char *text, const char *end) {
+static void Write_Console (const char *prefix, int indent, const char *text, const char *end) {
     char   line[LINE_SIZE];
-    size_t used = 0;
-    Text_Append (line, sizeof line, &used, "%s%s%s", prefix, text, end);
-    fwrite (line, 1, used, stdout);
+    size_t length = Line_Make (line, prefix, indent, text, end);
+    fwrite (line, 1, length, stdout);
     fflush (stdout);
 }
 
-static void Write_Trace (const char *prefix, const char *text) {
-    char   line[LINE_SIZE];
-    size_t used = 0;
-    Text_Append (line, sizeof line, &used, "%s%s\n", prefix, text);
-    Write_Line (Log.trace_name, line);
+static void Write_Trace (const char *prefix, int indent, const char *text) {
+    char line[LINE_SIZE];
+    Write_Line (FILE_TRACE, line, Line_Make (line, prefix, indent, text, "\n"));
 }
 
 static void Write_Audit (const char *text) {
-    char   line[LINE_SIZE];
-    size_t used = 0;
-    Text_Append (line, sizeof line, &used, "%s\n", text);
-    Write_Line (Log.audit_name, line);
+    char line[LINE_SIZE];
+    Write_Line (FILE_AUDIT, line, Line_Make (line, "", 0, text, "\n"));
 }
 
 static void Write_Audit_Timed (const char *text) {
@@ -212,7 +285,7 @@ static void Write_Audit_Timed (const char *text) {
     size_t used = 0;
     Local_Time ("%d-%b-%Y %H:%M:%S", now);
     Text_Append (line, sizeof line, &used, "%s %s\n", now, text);
-    Write_Line (Log.audit_name, line);
+    Write_Line (FILE_AUDIT, line, used);
 }
 
 // The first line of a run brings the header with it, in the same write.
@@ -226,7 +299,7 @@ static void Write_Error_Log (const char *text) {
         Text_Append (line, LOG_PATH_SIZE, &used, "\n======== %s %s =====(%s)========\n", Log.program_name,
                      Log.program_version, now);
     Text_Append (line, sizeof line, &used, "%s\n", text);
-    if (Write_Line (Log.error_name, line)) error_log_begun = 1;
+    if (Write_Line (FILE_ERROR, line, used)) error_log_begun = 1;
 }
 
 // The raw text: the window's list interprets the display codes.
@@ -292,18 +365,16 @@ static void Audit (const Route *route, char *clean) {
     Write_Audit_Timed (route->audit == AUDIT_TRIMMED ? Text_Trim (clean) : clean);
 }
 
-// A trace's depth shows as an indent between prefix and text.
-static void Write_Indented (const Route *route, int kind, char *clean) {
-    char   line[LINE_SIZE];
-    size_t used = 0;
-    Text_Append (line, sizeof line, &used, "%*s%s", 4 * (kind - LOG_TRACE1), "", clean);
-    if (Log.trace_level > 0) Write_Console (route->console, line, route->console_end);
-    if (Trace_File_Wants (route)) Write_Trace (route->trace, line);
+static void Write_Log (const Route *route, int indent, const char *clean) {
+    if (route->console && Log.trace_level > 0) Write_Console (route->console, indent, clean, route->console_end);
+    if (Trace_File_Wants (route)) Write_Trace (route->trace, indent, clean);
 }
 
+// A trace's depth shows as an indent between prefix and text.
+static void Write_Indented (int kind, const char *clean) { Write_Log (&TRACE_ROUTE, 4 * (kind - LOG_TRACE1), clean); }
+
 static void Write_Route (const Route *route, char *clean) {
-    if (route->console && Log.trace_level > 0) Write_Console (route->console, clean, route->console_end);
-    if (Trace_File_Wants (route)) Write_Trace (route->trace, clean);
+    Write_Log (route, 0, clean);
     Audit (route, clean);
 }
 
@@ -319,7 +390,7 @@ int Log_Program_Sink (Window window, int kind, const char *text) {
     if (kind == LOG_QUESTION) return Window_Question_Box (window, clean, Log.program_name);
     if (kind == LOG_ERROR) Window_Message_Box (window, clean, "", WINDOW_ICON_ERROR);
     Show (window, kind, text);
-    if (Is_Trace (kind)) Write_Indented (&TRACE_ROUTE, kind, clean);
+    if (Is_Trace (kind)) Write_Indented (kind, clean);
     else Write_Route (&ROUTES[kind], clean);
     if (kind == LOG_ERRLOG) Write_Error_Log (clean);
     return 1;
@@ -336,13 +407,12 @@ static int Default_Sink (Window window, int kind, const char *text) {
     Log_Clean_Text (text, clean, sizeof clean);
     if (kind == LOG_QUESTION) return Window_Question_Box (window, clean, LIBRARY);
     if (Is_Trace (kind)) {
-        Write_Indented (&TRACE_ROUTE, kind, clean);
+        Write_Indented (kind, clean);
         return 1;
     }
     const Route *route = &DEFAULT_ROUTES[kind];
     if (kind == LOG_ERROR) Window_Message_Box (window, clean, "", WINDOW_ICON_ERROR);
-    if (route->console && Log.trace_level > 0) Write_Console (route->console, clean, route->console_end);
-    if (Trace_File_Wants (route)) Write_Trace (route->trace, clean);
+    Write_Log (route, 0, clean);
     Audit_By_Default (route, clean);
     return 1;
 }

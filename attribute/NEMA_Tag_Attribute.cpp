@@ -462,10 +462,22 @@ static void Delete_In_Items (Window window, SequenceCursor *cursor, Attribute *r
     DICOM_Attribute_Sequence_Stop (window, cursor, LOG_TRACE5);
 }
 
+// A whole list goes without looking for what follows its first record each time.
+static int List_Free (Window window, Attribute **place) {
+    for (Attribute *record = *place; record;) {
+        Attribute *next = record->next;
+        DICOM_Attribute_Free (window, record);
+        record = next;
+    }
+    *place = nullptr;
+    return 1;
+}
+
 int DICOM_Attribute_Delete (Window window, SequenceCursor *cursor, Attribute **place, uint16_t group,
                             uint16_t element) {
     place = Descend (window, cursor, place, "in DICOM_Attribute_Delete(%04x,%04x)", group, element);
     if (!place || !*place) return 0;
+    if (group == TAG_ANY && element == TAG_ANY) return List_Free (window, place);
 
     while (*place && Tag_Is (*place, group, element)) List_Remove (window, place, nullptr);
     for (Attribute *previous = *place; previous && previous->next;) {
@@ -481,13 +493,7 @@ void DICOM_Attribute_Free (Window window, Attribute *attribute) {
     if (!attribute) return;
     Log_Message (window, LOG_TRACE5, "in DICOM_Attribute_Free(%04x,%04x)", attribute->group, attribute->element);
     // Every slot, also behind an empty one: an item that lost all its attributes leaves an empty slot before full ones.
-    for (int32_t i = 0; i < attribute->nb_item; i++) {
-        for (Attribute *record = attribute->item[i]; record;) {
-            Attribute *next = record->next;
-            DICOM_Attribute_Free (window, record);
-            record = next;
-        }
-    }
+    for (int32_t i = 0; i < attribute->nb_item; i++) List_Free (window, &attribute->item[i]);
     Value_Release (attribute);
     if (attribute->index) List_Index_Free (attribute);
     Memory_Free (attribute->item);

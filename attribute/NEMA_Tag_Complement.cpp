@@ -24,19 +24,23 @@ static const int32_t GROUP_LENGTH_SIZE = 4; // Bytes of a group length that is o
 
 // --- descriptions ----------------------------------------------------------
 
-int DICOM_Attribute_Set_Description (Window window, Attribute *attribute, uint16_t vr, const char *format, ...) {
-    char    text[DESCRIPTION_TEXT_SIZE];
-    va_list arguments;
-    va_start (arguments, format);
-    if (vsnprintf (text, sizeof text, format, arguments) < 0) text[0] = 0;
-    va_end (arguments);
-
+// As DICOM_Attribute_Set_Description, with a text that is ready.
+static int Describe (Window window, Attribute *attribute, uint16_t vr, const char *text) {
     if (vr) attribute->vr = vr;
     Memory_Free (attribute->description);
     attribute->description = nullptr;
     if (!text[0]) return 1;
     attribute->description = Memory_Strdup (window, HERE ("tag->description", 0, 0), text);
     return attribute->description != nullptr;
+}
+
+int DICOM_Attribute_Set_Description (Window window, Attribute *attribute, uint16_t vr, const char *format, ...) {
+    char    text[DESCRIPTION_TEXT_SIZE];
+    va_list arguments;
+    va_start (arguments, format);
+    if (vsnprintf (text, sizeof text, format, arguments) < 0) text[0] = 0;
+    va_end (arguments);
+    return Describe (window, attribute, vr, text);
 }
 
 // --- group lengths ---------------------------------------------------------
@@ -63,7 +67,7 @@ static const Group_Banner BANNERS[] = {
 static void Describe_Group_Length (Window window, Attribute *attribute) {
     for (const Group_Banner &banner : BANNERS) {
         if (banner.group != attribute->group) continue;
-        DICOM_Attribute_Set_Description (window, attribute, VR_UL, "%s", banner.text);
+        Describe (window, attribute, VR_UL, banner.text);
         return;
     }
     if (attribute->length == GROUP_LENGTH_SIZE)
@@ -130,7 +134,7 @@ static void Creator_Name (const Attribute *creator, char *name) {
 static void Complement_Private (Window window, const Settings *settings, const Creators *creators,
                                 Attribute *attribute) {
     if (Is_Creator (attribute)) {
-        DICOM_Attribute_Set_Description (window, attribute, VR_LO, "Private Creator Data Element");
+        Describe (window, attribute, VR_LO, "Private Creator Data Element");
     } else if (attribute->element >= PRIVATE_FIRST) {
         uint16_t         block   = static_cast<uint16_t> (attribute->element >> 8);
         const Attribute *creator = Creator_Find (window, creators, attribute->group, block);
@@ -138,7 +142,7 @@ static void Complement_Private (Window window, const Settings *settings, const C
         if (!creator) return;
         Creator_Name (creator, name);
         if (DICOM_Module_Read_Private (window, settings, name, attribute) > 0) return;
-        DICOM_Attribute_Set_Description (window, attribute, 0, "%s", name);
+        Describe (window, attribute, 0, name);
     }
 }
 
@@ -173,7 +177,7 @@ static const Known_Element ELEMENTS_7Fxx[] = {
 static void Describe_Known (Window window, Attribute *attribute, const Known_Element *elements, size_t count) {
     for (size_t i = 0; i < count; i++)
         if (elements[i].element == attribute->element)
-            DICOM_Attribute_Set_Description (window, attribute, elements[i].vr, "%s", elements[i].description);
+            Describe (window, attribute, elements[i].vr, elements[i].description);
 }
 
 int SPI_Complement_1000 (Window window, Attribute *attribute) {
@@ -192,13 +196,9 @@ int SPI_Complement_7Fxx (Window window, Attribute *attribute) {
 
 static void Describe_Structure (Window window, Attribute *attribute) {
     switch (attribute->element) {
-    case ELEMENT_ITEM: DICOM_Attribute_Set_Description (window, attribute, 0, COLOUR_BLUE "Item"); break;
-    case ELEMENT_ITEM_END:
-        DICOM_Attribute_Set_Description (window, attribute, 0, COLOUR_BLUE "Item Delimitation Item");
-        break;
-    case ELEMENT_SEQUENCE_END:
-        DICOM_Attribute_Set_Description (window, attribute, 0, COLOUR_BLUE "Sequence Delimitation Item");
-        break;
+    case ELEMENT_ITEM: Describe (window, attribute, 0, COLOUR_BLUE "Item"); break;
+    case ELEMENT_ITEM_END: Describe (window, attribute, 0, COLOUR_BLUE "Item Delimitation Item"); break;
+    case ELEMENT_SEQUENCE_END: Describe (window, attribute, 0, COLOUR_BLUE "Sequence Delimitation Item"); break;
     default: break;
     }
 }
@@ -221,8 +221,7 @@ static void Complement_One (Window window, const Settings *settings, const Creat
     if (group & 1) Complement_Private (window, settings, creators, attribute);
     if (is_private && group == 0x1000) SPI_Complement_1000 (window, attribute);
     if (is_private && group >= 0x7F00 && group <= 0x7FDF) SPI_Complement_7Fxx (window, attribute);
-    if (group == GROUP_PIXEL && attribute->element == ELEMENT_PIXELS)
-        DICOM_Attribute_Set_Description (window, attribute, VR_OB, "Pixel Data");
+    if (group == GROUP_PIXEL && attribute->element == ELEMENT_PIXELS) Describe (window, attribute, VR_OB, "Pixel Data");
     if (group == GROUP_DELIMITER) Describe_Structure (window, attribute);
 }
 

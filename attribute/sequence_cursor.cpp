@@ -18,6 +18,7 @@ static void Trace_Item_Number (Window window, const SequenceCursor *cursor) {
 // One ruler of a listing; format takes the indent of four blanks a depth and a number.
 static void Ruler (Window window, int kind, const char *format, int depth, int number) {
     char indent[4 * SEQUENCE_DEPTHS + 1];
+    if (!Log_Is_Read (kind)) return;
     memset (indent, ' ', sizeof indent);
     indent[4 * (depth > 0 ? depth : 0)] = '\0';
     Log_Message (window, kind, format, indent, number);
@@ -33,9 +34,8 @@ void DICOM_Attribute_Sequence_Reset (Window window, SequenceCursor *cursor) {
 
 int32_t DICOM_Attribute_Sequence_Start (Window window, SequenceCursor *cursor, uint16_t group, uint16_t element,
                                         uint16_t flags, int kind) {
-    if (kind)
-        Ruler (window, kind, "%s------------------------ ---- Sequence in ----(depth=%d)-----", cursor->depth,
-               cursor->depth);
+    Ruler (window, kind, "%s------------------------ ---- Sequence in ----(depth=%d)-----", cursor->depth,
+           cursor->depth);
     DICOM_Attribute_Sequence_Set (window, cursor, cursor->depth, group, element, flags);
     cursor->depth++;
     if (cursor->depth >= SEQUENCE_DEPTHS) {
@@ -48,7 +48,7 @@ int32_t DICOM_Attribute_Sequence_Start (Window window, SequenceCursor *cursor, u
 }
 
 int32_t DICOM_Attribute_Sequence_Stop (Window window, SequenceCursor *cursor, int kind) {
-    if (kind) Ruler (window, kind, "%s------------------------ ---- Sequence out --------------", cursor->depth - 1, 0);
+    Ruler (window, kind, "%s------------------------ ---- Sequence out --------------", cursor->depth - 1, 0);
     if (cursor->depth == 0) {
         Log_Message (window, Sequence_Kind_Warning (cursor),
                      WARNING_TEXT "To many \"out of sequences\" in DICOM stream " TAG_TEXT, cursor->group[0],
@@ -64,14 +64,12 @@ void DICOM_Attribute_Item_Start (Window window, SequenceCursor *cursor, int kind
     cursor->Item_Number[cursor->depth]++;
     int number = cursor->Item_Number[cursor->depth];
     Log_Message (window, LOG_TRACE5, "-> root->Item_Number[%d] = %d", cursor->depth, number);
-    if (kind)
-        Ruler (window, kind, "%s------------------------ ---- Item[%d] in ---------------", cursor->depth, number);
+    Ruler (window, kind, "%s------------------------ ---- Item[%d] in ---------------", cursor->depth, number);
 }
 
 void DICOM_Attribute_Item_Stop (Window window, SequenceCursor *cursor, int kind) {
-    if (kind)
-        Ruler (window, kind, "%s------------------------ ---- Item[%d] out --------------", cursor->depth,
-               cursor->Item_Number[cursor->depth]);
+    Ruler (window, kind, "%s------------------------ ---- Item[%d] out --------------", cursor->depth,
+           cursor->Item_Number[cursor->depth]);
     Trace_Item_Number (window, cursor);
 }
 

@@ -3,6 +3,8 @@
 
 usage: compare.py PROGRAM MAKE_PAIRS FOLDER [--rounds N] [--no-peers] [PAIR...]
 
+PAIR is a letter of the table below, or t: the trace of pair (b) at level 5, in lines a second.
+
 cmp of equal copies is the limit: it reads both files once and does nothing else. In a round every command runs once, so
 that other work on the machine meets all of them; a figure is the median of the rounds' ratios to the limit of the same
 round. Beside the ratio of times on the clock stands that of processor time, which other work disturbs less. The peak
@@ -16,6 +18,8 @@ import time
 
 NULL = os.open(os.devnull, os.O_RDWR)
 PEER_PAIRS = 20    # Of the many small ones: peers start a process for each pair.
+TRACE_ROUNDS = 3
+TRACE_TARGET = 200000    # Lines a second of processor time.
 
 # name, kind and number for make_pairs, the target, the pairs
 PAIRS = [
@@ -36,10 +40,10 @@ class Run:
         self.clock = self.processor = 0.0
         self.kib = 0
 
-    def add(self, command, output=NULL):
+    def add(self, command, output=NULL, environment=os.environ):
         start = time.perf_counter()
         actions = [(os.POSIX_SPAWN_DUP2, output, 1), (os.POSIX_SPAWN_DUP2, NULL, 2)]
-        process = os.posix_spawn(command[0], command, os.environ, file_actions=actions)
+        process = os.posix_spawn(command[0], command, environment, file_actions=actions)
         usage = os.wait4(process, 0)[2]
         self.clock += time.perf_counter() - start
         self.processor += usage.ru_utime + usage.ru_stime
@@ -130,6 +134,28 @@ def measure(program, tools, folder, stems, stem, rounds, with_peers):
     return series
 
 
+def trace(program, make_pairs, folder):
+    """Lines a second of a trace at level 5, which goes to a file and to the console, here nowhere."""
+    stem = make(make_pairs, folder, "frames", 2000)[0]
+    user, logs = os.path.abspath(file(folder, "trace_user")), os.path.abspath(file(folder, "trace_logs"))
+    settings = os.path.join(user, "Kestrelbay", "Tagwright.ini")
+    os.makedirs(os.path.dirname(settings), exist_ok=True)
+    with open(settings, "w") as text:
+        text.write(f"scratch = {logs}/\n")
+    clock, processor = [], []
+    for _ in range(TRACE_ROUNDS):
+        shutil.rmtree(logs, ignore_errors=True)
+        command = [program, "-t", "5", stem + "_a.dcm", stem + "_b.dcm"]
+        run = Run().add(command, NULL, {**os.environ, "APPDATA": user})
+        with open(os.path.join(logs, "Tagwright_trace.dat"), "rb") as lines:
+            count = sum(1 for _ in lines)
+        clock.append(count / run.clock)
+        processor.append(count / run.processor)
+    shutil.rmtree(logs, ignore_errors=True)
+    print(f"(t) trace of (b) at level 5, {count} lines: {statistics.median(clock):.0f} a second on the clock, "
+          f"{statistics.median(processor):.0f} of processor time   (target {TRACE_TARGET})", flush=True)
+
+
 def main(words):
     rounds, with_peers = 15, True
     if "--rounds" in words:
@@ -157,6 +183,8 @@ def main(words):
                 goal += ", 64 MiB"
             print(f"{label:36} {one.text()} {goal}  {name}", flush=True)
         seconds[letter] = statistics.median(series["tagwright"].seconds)
+    if not wanted or "t" in wanted:
+        trace(program, make_pairs, folder)
     if "e" in seconds and "E" in seconds:
         print(f"ten times the private elements: {seconds['E'] / seconds['e']:.2f} times the time   (target 11)")
 

@@ -128,6 +128,12 @@ static const char *Description (const Attribute *a, const Attribute *b) {
 
 // --- merged record ---------------------------------------------------------
 
+// The merged record of a tag. In batch mode there is no merged list, but a trace tells of the search all the same.
+static Attribute *Merged_Get (Window window, SequenceCursor *cursor, Attribute *merged, const Attribute *tag) {
+    if (!merged && !Log_Is_Read (LOG_TRACE5)) return nullptr;
+    return DICOM_Attribute_Get_Exact (window, cursor, merged, tag->group, tag->element);
+}
+
 // Makes a record of the merged list ready for its difference code. 1, or 0 after a memory message.
 static int Merged_Describe (Window window, Attribute *tag, const char *value, const char *description) {
     tag->flags = DIFFERENCE_NONE;
@@ -161,6 +167,7 @@ static int32_t Different_Bytes (const Attribute *a, const Attribute *b) {
 
     size_t  length    = static_cast<size_t> (a->length);
     int32_t different = 0;
+    if (length < COMPARE_BLOCK && !memcmp (a->data, b->data, length)) return 0; // Not worth giving back what is a view.
     for (size_t start = 0; start < length; start += COMPARE_BLOCK) {
         size_t count = length - start < COMPARE_BLOCK ? length - start : COMPARE_BLOCK;
         if (memcmp (a->data + start, b->data + start, count))
@@ -320,7 +327,7 @@ int Diff_Attribute (Window window, SequenceCursor *cursor, Attribute *merged, At
     if (!a && !b) return 0;
 
     const Attribute *tag        = a ? a : b;
-    Attribute       *record     = DICOM_Attribute_Get_Exact (window, cursor, merged, tag->group, tag->element);
+    Attribute       *record     = Merged_Get (window, cursor, merged, tag);
     Difference       difference = {DIFFERENCE_SKIPPED, 0, 0};
     char             pair[PAIR_TEXT_SIZE];
 
@@ -350,7 +357,7 @@ int Modality_Diff_Attribute (Window window, SequenceCursor *cursor, Attribute *m
     if (!a && !d) return 0;
 
     const Attribute *tag    = a ? a : d;
-    Attribute       *record = DICOM_Attribute_Get_Exact (window, cursor, merged, tag->group, tag->element);
+    Attribute       *record = Merged_Get (window, cursor, merged, tag);
     if (record) {
         char text[PAIR_TEXT_SIZE] = "";
         if (a) snprintf (text, sizeof text, "       %-.*s", VALUE_COLUMN, Value_Text (window, a));

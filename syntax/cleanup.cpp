@@ -414,7 +414,8 @@ int DICOM_Attribute_Cleanup_Tag (Window window, const Settings *settings, Attrib
 
 static void Clean_Attribute (Window window, SequenceCursor *cursor, Attribute *attribute) {
     DICOM_Attribute_Cleanup_Swab (window, attribute);
-    DICOM_Attribute_Cleanup_Tag (window, cursor->settings, attribute);
+    if (!Syntax_Glance (window, cursor->settings, attribute))
+        DICOM_Attribute_Cleanup_Tag (window, cursor->settings, attribute);
 }
 
 int DICOM_Attribute_Cleanup_Walk (Window window, SequenceCursor *cursor, Attribute *list) {

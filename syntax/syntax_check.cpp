@@ -232,7 +232,8 @@ int DICOM_Attribute_Syntax_Tag (Window window, const Settings *settings, const A
 // --- the walk --------------------------------------------------------------
 
 static void Check_Attribute (Window window, SequenceCursor *cursor, Attribute *attribute) {
-    DICOM_Attribute_Syntax_Tag (window, cursor->settings, attribute);
+    if (!Syntax_Glance (window, cursor->settings, attribute))
+        DICOM_Attribute_Syntax_Tag (window, cursor->settings, attribute);
 }
 
 int DICOM_Attribute_Syntax_Walk (Window window, SequenceCursor *cursor, Attribute *list) {

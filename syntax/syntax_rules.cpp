@@ -11,19 +11,19 @@
 
 // --- the table -------------------------------------------------------------
 
-static const char CODE_SET[]    = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_ \\";
-static const char AGE_SET[]     = "0123456789DWMY";
-static const char DATE_SET[]    = "0123456789.\\";
-static const char DECIMAL_SET[] = "0123456789+-Ee. \\";
-static const char MOMENT_SET[]  = "0123456789+-. \\";
-static const char INTEGER_SET[] = "0123456789+- \\";
-static const char NUMBER_SET[]  = "0123456789. \\"; // TM and UI.
+static constexpr char CODE_SET[]    = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_ \\";
+static constexpr char AGE_SET[]     = "0123456789DWMY";
+static constexpr char DATE_SET[]    = "0123456789.\\";
+static constexpr char DECIMAL_SET[] = "0123456789+-Ee. \\";
+static constexpr char MOMENT_SET[]  = "0123456789+-. \\";
+static constexpr char INTEGER_SET[] = "0123456789+- \\";
+static constexpr char NUMBER_SET[]  = "0123456789. \\"; // TM and UI.
 
-static const int NONE = SYNTAX_NONE;
-static const int NUL  = 0;
+static constexpr int NONE = SYNTAX_NONE;
+static constexpr int NUL  = 0;
 
 // clang-format off
-static const Syntax_Rule rules[] = {
+static constexpr Syntax_Rule rules[] = {
     // VR,    form,            leading, trailing, set,  maximum,  even, unit, counted, expecting
     {VR_AE, SYNTAX_TITLE,     NONE, NONE, nullptr,      16,        ' ',  0, 0, nullptr},
     {VR_AS, SYNTAX_AGE,       NONE, NONE, AGE_SET,      4,         NONE, 0, 0, "4 bytes"},
@@ -52,10 +52,32 @@ static const Syntax_Rule rules[] = {
 };
 // clang-format on
 
+static constexpr int RULES   = sizeof rules / sizeof *rules;
+static constexpr int LETTERS = 26;
+
+static constexpr int Letter (unsigned character) {
+    return character >= 'A' && character <= 'Z' ? static_cast<int> (character) - 'A' : -1;
+}
+
+// The rule of each pair of letters, counted from 1.
+struct Rule_Places {
+    uint8_t place[LETTERS * LETTERS];
+};
+
+static constexpr Rule_Places Rule_Places_Make (void) {
+    Rule_Places places = {};
+    for (int i = 0; i < RULES; i++)
+        places.place[Letter (rules[i].vr >> 8) * LETTERS + Letter (rules[i].vr & 0xFF)] = static_cast<uint8_t> (i + 1);
+    return places;
+}
+
+static constexpr Rule_Places rule_places = Rule_Places_Make ();
+
 const Syntax_Rule *Syntax_Rule_Of (uint16_t vr) {
-    for (const Syntax_Rule &rule : rules)
-        if (rule.vr == vr) return &rule;
-    return nullptr;
+    int first = Letter (vr >> 8), second = Letter (vr & 0xFF);
+    if (first < 0 || second < 0) return nullptr;
+    int place = rule_places.place[first * LETTERS + second];
+    return place ? &rules[place - 1] : nullptr;
 }
 
 // --- reports ---------------------------------------------------------------
@@ -135,6 +157,108 @@ int Syntax_Multiplicity (const Syntax_Run *run, const Attribute *attribute, int3
         return 0;
     }
     return 1;
+}
+
+// --- values that are right --------------------------------------------------
+
+// What each byte is allowed in: bit i for the value of rules[i]. NUL, which ends a text, is allowed in none.
+struct Byte_Classes {
+    uint32_t of[256];
+};
+
+static constexpr uint32_t CLASS_BACKSLASH = 0x80000000u; // Between values.
+
+static_assert (RULES < 32, "a rule is a bit of a byte's class");
+
+static constexpr Byte_Classes Byte_Classes_Make (void) {
+    Byte_Classes classes = {};
+    for (int i = 0; i < RULES; i++) {
+        uint32_t rule = 1u << i;
+        int      last = rules[i].form == SYNTAX_TITLE ? 0x7E : 0xFF;
+        for (const char *character = rules[i].set; character && *character; character++)
+            classes.of[static_cast<uint8_t> (*character)] |= rule;
+        for (int byte = rules[i].form == SYNTAX_TITLE ? 0x20 : 1; byte <= last && !rules[i].set; byte++)
+            classes.of[byte] |= rule;
+    }
+    classes.of[static_cast<uint8_t> ('\\')] |= CLASS_BACKSLASH;
+    return classes;
+}
+
+static constexpr Byte_Classes byte_classes = Byte_Classes_Make ();
+
+static int Is_Blank (uint8_t byte) { return byte == ' ' || byte == '\t'; }
+
+// The number of values between backslashes, or 0 when one is too long or has blanks around it.
+static int32_t Right_Pieces (const uint8_t *bytes, int32_t length, int32_t max) {
+    int32_t count = 0, start = 0;
+    for (int32_t i = 0; i <= length; i++) {
+        if (i < length && bytes[i] != '\\') continue;
+        if (i - start > max) return 0;
+        if (i > start && (Is_Blank (bytes[start]) || Is_Blank (bytes[i - 1]))) return 0;
+        count++;
+        start = i + 1;
+    }
+    return count;
+}
+
+// A text of values: only bytes that are allowed, no blank too many, and at its end at most the one pad that makes its
+// length even. The pad counts for the longest value here; the few that are just as long are looked at closely.
+static int32_t Right_Text (const Syntax_Rule *rule, const Attribute *attribute, int32_t max) {
+    const uint8_t *bytes  = attribute->data;
+    int32_t        end    = attribute->length;
+    int            padded = rule->even != NONE && end > 0 && bytes[end - 1] == rule->even;
+    if (rule->even != NONE && end % 2) return 0;
+    end -= padded;
+    if (end <= 0 || bytes[end - 1] == '\\') return 0;
+
+    uint32_t all = ~0u, any = 0;
+    for (int32_t i = 0; i < end; i++) {
+        uint32_t is = byte_classes.of[bytes[i]];
+        all &= is;
+        any |= is;
+    }
+    if (!(all >> (rule - rules) & 1)) return 0;
+    if (any & CLASS_BACKSLASH) return Right_Pieces (bytes, end, max - padded);
+    return end + padded <= max && !Is_Blank (bytes[0]) && !Is_Blank (bytes[end - 1]);
+}
+
+// A text of one value, whose bytes count only at its end.
+static int32_t Right_Single (const Syntax_Rule *rule, const Attribute *attribute) {
+    int32_t length = attribute->length;
+    if (length <= 0 || length > rule->maximum) return 0;
+    uint8_t last = attribute->data[length - 1];
+    return last != NUL && last != ' ';
+}
+
+static int32_t Right_Binary (const Syntax_Rule *rule, const Attribute *attribute) {
+    if (attribute->length <= 0 || attribute->length % rule->unit) return 0;
+    return rule->counted ? attribute->length / rule->unit : 1;
+}
+
+// How many values there are when they are right, or 0 when that takes a closer look.
+static int32_t Right_Values (const Syntax_Rule *rule, const Attribute *attribute) {
+    static const int32_t INTEGER_SURE = 8; // Digits of a number that surely fits.
+    switch (rule->form) {
+    case SYNTAX_MULTIPLE:
+    case SYNTAX_TITLE: return Right_Text (rule, attribute, rule->maximum);
+    case SYNTAX_SINGLE: return Right_Single (rule, attribute);
+    case SYNTAX_AGE:
+    case SYNTAX_DATE: return attribute->length == rule->maximum && Right_Text (rule, attribute, rule->maximum) == 1;
+    case SYNTAX_INTEGER: return Right_Text (rule, attribute, INTEGER_SURE);
+    case SYNTAX_TIME: return Syntax_Time_Is_Old (attribute) ? 0 : Right_Text (rule, attribute, rule->maximum);
+    case SYNTAX_BINARY: return Right_Binary (rule, attribute);
+    }
+    return 0;
+}
+
+int Syntax_Glance (Window window, const Settings *settings, const Attribute *attribute) {
+    if (Log_Is_Read (LOG_TRACE5)) return 0; // Every step is told.
+    if (!attribute->data) return 1;
+    Syntax_Run run = {window, settings, Syntax_Rule_Of (Attribute_VR (attribute)), 0};
+    if (!run.rule) return attribute->length >= 0;
+    int32_t count = Right_Values (run.rule, attribute);
+    if (count > 0) Syntax_Multiplicity (&run, attribute, count);
+    return count > 0;
 }
 
 // --- text ------------------------------------------------------------------

@@ -57,6 +57,13 @@ void Syntax_Note (const Syntax_Run *run, const Attribute *attribute, const char 
 #define SYNTAX_BYTES  COLOUR_BLUE "%.*s" COLOUR_BLACK
 #define SYNTAX_NUMBER COLOUR_BLUE "%d" COLOUR_BLACK
 
+// --- values that are right -------------------------------------------------
+
+// Most values are: there is nothing to report or to correct but perhaps their number, which is what both passes would come
+// to one rule after the other. 1 when that is so and the number was compared with the dictionary's; 0 when the value needs
+// a closer look, also when traces are to tell of every step.
+int Syntax_Glance (Window window, const Settings *settings, const Attribute *attribute);
+
 // --- what check and cleanup share ------------------------------------------
 
 // Compares the number of values with the dictionary's multiplicity: 1, or 0 after a warning.

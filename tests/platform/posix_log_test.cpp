@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <string.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -291,6 +292,49 @@ TEST_F (PosixLogFile, AnEndOfTheProgramLosesNoLine) {
     waitpid (child, &status, 0);
     EXPECT_TRUE (WIFSIGNALED (status));
     EXPECT_EQ (Read_Whole (path).size (), strlen ("one\ntwo\n") + 100 * strlen ("more\n"));
+}
+
+// A process that writes trace lines until it is killed tells after each how many it has logged; this one asks how many those
+// are, kills it in the middle, and must then find each of them in the file, whole.
+TEST_F (PosixLogFile, AKilledProcessLeavesEachLoggedLineWhole) {
+    static const int ROUNDS = 5, LINES = 200;
+
+    Log.trace_level = 5;
+    for (int round = 0; round < ROUNDS; round++) {
+        int  console = open ("/dev/null", O_WRONLY);
+        int *logged  = static_cast<int *> (
+            mmap (nullptr, sizeof (int), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+        ASSERT_NE (logged, MAP_FAILED);
+        std::filesystem::remove (directory.File ("trace.dat"));
+        fflush (stdout);
+        pid_t child = fork ();
+        if (!child) {
+            dup2 (console, STDOUT_FILENO);
+            for (int line = 0;; line++) {
+                Log_Message (nullptr, LOG_TRACE5, "%s %d.", std::string (line % 300, 'x').c_str (), line);
+                __atomic_store_n (logged, line + 1, __ATOMIC_SEQ_CST);
+            }
+        }
+        while (__atomic_load_n (logged, __ATOMIC_SEQ_CST) < LINES + 37 * round) {
+        }
+        int         sure     = __atomic_load_n (logged, __ATOMIC_SEQ_CST);
+        std::string meantime = Read_Whole (directory.File ("trace.dat"));
+        kill (child, SIGKILL);
+        waitpid (child, nullptr, 0);
+        close (console);
+
+        std::string expected, end = Read_Whole (directory.File ("trace.dat"));
+        for (int line = 0; line <= *logged; line++) {
+            if (line == sure) {
+                EXPECT_EQ (meantime.substr (0, expected.size ()), expected);
+            }
+            if (line == *logged && end.size () == expected.size ()) break; // Killed between two lines.
+            expected += "TRACE:   " + std::string (16 + line % 300, ' ').replace (16, line % 300, line % 300, 'x') +
+                        " " + std::to_string (line) + ".\n";
+        }
+        EXPECT_EQ (end, expected);
+        munmap (logged, sizeof (int));
+    }
 }
 
 TEST_F (PosixLogFile, ManyNamesKeepAFewFilesOpen) {

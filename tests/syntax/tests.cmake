@@ -1,3 +1,4 @@
 tagwright_test (syntax
     cleanup_test.cpp
+    glance_test.cpp
     syntax_check_test.cpp)

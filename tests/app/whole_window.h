@@ -35,10 +35,10 @@ private:
     void Mouse (Window_Event_Kind kind, int x, int y);
     void Drag (int from_x, int from_y, int to_x, int to_y);
 
-    std::string         folder_before;
-    Temporary_Directory scratch;
-    Log_Settings        log_before = Log;
-    Settings            settings   = {};
-    std::vector<std::string> skipped[2];    // Groups and elements, to which settings refer
-    std::vector<char *>      skip_lists[2]; // by these.
+    std::string              folder_before;
+    Temporary_Directory      scratch;
+    Log_Settings             log_before = Log;
+    Settings                 settings   = {};
+    std::vector<std::string> skipped[2];        // Groups and elements, to which settings refer
+    std::vector<char *>      skip_lists[2];     // by these.
 };

@@ -2,8 +2,8 @@
 """Holds the pages to the program: docs_test.py PROGRAM BUILD. Runs their commands and compares what is printed, follows
 their links, and compares options, exit statuses and messages with the man page, the program and its sources.
 
-docs_test.py PROGRAM BUILD --update PAGE... writes into the pages what their commands print where it isn't what they show;
-look at it before it is committed."""
+docs_test.py PROGRAM BUILD --update PAGE... writes into the pages what their commands print where it isn't what they
+show; look at it before it is committed."""
 import os
 import re
 import subprocess
@@ -178,9 +178,9 @@ class Batch(unittest.TestCase):
         self.assertIn(facts.version, self.manual[0] + self.manual[1] + self.manual[2])
 
     def test_man_page_is_well_formed(self):
+        environment = {"PATH": os.environ["PATH"], "LC_ALL": "C.UTF-8", "MANWIDTH": "100", "HOME": "/nowhere"}
         done = subprocess.run(["man", "--warnings", "-E", "UTF-8", "-l", os.path.join(ROOT, MANUAL)],
-                              stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                              env={"PATH": os.environ["PATH"], "LC_ALL": "C.UTF-8", "MANWIDTH": "100", "HOME": "/nowhere"})
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, env=environment)
         self.assertEqual((done.stderr.decode(), done.returncode), ("", 0))
         self.assertIn("TAGWRIGHT(1)", done.stdout.decode())
 
@@ -188,7 +188,9 @@ class Batch(unittest.TestCase):
 def unmarked(line):
     line = re.sub(r"^\.(BR?I?|IR?|RB|RI|BI|IB) ", "", line)
     line = re.sub(r"\\f[BIRP]|\\&", "", line)
-    return line.replace("\\-", "-").replace("\\(aq", "'").replace("\\e", "\\").replace('"', "").replace("  ", " ").strip()
+    for code, text in (("\\-", "-"), ("\\(aq", "'"), ("\\e", "\\"), ('"', ""), ("  ", " ")):
+        line = line.replace(code, text)
+    return line.strip()
 
 
 def plain_cell(cell):
@@ -256,15 +258,15 @@ class Messages(unittest.TestCase):
     """docs/repairs.md explains the messages that reading a file can bring, all of them, and no others."""
 
     def setUp(self):
-        self.page = {messages.words (cell): cell for cell in messages.of_page(lines_of["docs/repairs.md"])}
+        self.page = {messages.words(cell): cell for cell in messages.of_page(lines_of["docs/repairs.md"])}
         self.sources = messages.of_sources(ROOT)
 
     def test_what_the_page_explains_is_in_the_sources(self):
-        known = {messages.words(text) for text in self.sources["all"]}
+        known = {messages.words(text) for text in self.sources}
         self.assertEqual([cell for words, cell in self.page.items() if words not in known], [])
 
     def test_the_page_explains_every_message(self):
-        self.assertEqual([text for text in self.sources["shown"] if messages.words(text) not in self.page], [])
+        self.assertEqual([text for text in self.sources if messages.words(text) not in self.page], [])
 
 
 # --- renewing outputs ------------------------------------------------------

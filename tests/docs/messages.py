@@ -1,5 +1,5 @@
-"""The messages about what is read: those of the sources, and those that a page explains. Two are the same when their words
-are: numbers, names and tags, which differ each time, don't count."""
+"""The messages about what is read: those of the sources, and those that a page explains. Two are the same when their
+words are: numbers, names and tags, which differ each time, don't count."""
 import glob
 import os
 import re
@@ -37,7 +37,7 @@ def of_sources(root):
                 continue
             with open(path) as file:
                 shown += of_source(file.read())
-    return {"shown": shown, "all": shown}
+    return shown
 
 
 def of_source(text):

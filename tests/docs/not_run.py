@@ -1,5 +1,4 @@
 """Commands of the pages that the test can't run, each with the reason, and with what is checked of them instead."""
-import glob
 import json
 import os
 import re
@@ -20,13 +19,16 @@ class Facts:
             presets = json.load(file)
         self.presets = {kind: [p["name"] for p in presets[kind + "Presets"]] for kind in ("configure", "build", "test")}
         self.cmake = ""
-        for name in ("*.cmake", "CMakeLists.txt"):
-            for path in glob.glob(os.path.join(root, name)) + glob.glob(os.path.join(root, "[!b]*", "**", name), recursive=True):
-                with open(path) as file:
-                    self.cmake += file.read()
+        for folder, folders, names in os.walk(root):
+            folders[:] = [f for f in folders if f not in ("build", "dist", ".git")]
+            for name in names:
+                if name == "CMakeLists.txt" or name.endswith(".cmake"):
+                    with open(os.path.join(folder, name)) as file:
+                        self.cmake += file.read()
 
     def has_target(self, name):
-        return self.has_test_folder(name) or re.search(r"add_(executable|custom_target) \(%s\b" % re.escape(name), self.cmake)
+        pattern = r"add_(executable|custom_target) \(%s\b" % re.escape(name)
+        return self.has_test_folder(name) or re.search(pattern, self.cmake)
 
     def has_test_folder(self, name):
         return name.endswith("_test") and os.path.isdir(os.path.join(self.root, "tests", name[:-5]))

@@ -1,7 +1,10 @@
-"""Where commands of the pages run: an installed program, a home and a copy of what a checkout has, all of them the test's
-own. The user's logs in /tmp are left alone: the installed copy of the program has another default scratch directory."""
+"""Where commands of the pages run: an installed program, a home and a copy of what a checkout has, all of them the
+test's own. The user's logs in /tmp are left alone: the installed copy of the program has another default scratch
+directory, whose name is as long."""
+import glob
 import os
 import re
+import secrets
 import shutil
 import subprocess
 import tempfile
@@ -16,9 +19,8 @@ class Stage:
     def __init__(self, root, program, build):
         self.root, self.build = root, build
         self.folder = tempfile.mkdtemp(prefix="docs-", dir="/var/tmp")
-        self.scratch = "/tmp/" + os.path.basename(tempfile.mktemp(prefix="", dir="/tmp"))[:9].ljust(9, "_") + "-"
+        self.scratch = "/tmp/d%s-" % secrets.token_hex(4)
         self.usr = os.path.join(self.folder, "usr")
-        self.user = str(os.geteuid())
         self.install(program)
 
     def install(self, program):
@@ -43,11 +45,16 @@ class Stage:
 
     def close(self):
         shutil.rmtree(self.folder, ignore_errors=True)
-        shutil.rmtree(self.scratch + self.user, ignore_errors=True)
+        self.drop_logs()
+
+    def drop_logs(self):
+        """Those of this user, and what pages put into the directory of the user that they show."""
+        for folder in glob.glob(self.scratch + "*"):
+            shutil.rmtree(folder, ignore_errors=True)
 
     def begin_page(self, page):
-        """A home and a checkout for the commands of a page, and no logs of the page before."""
-        shutil.rmtree(self.scratch + self.user, ignore_errors=True)
+        """Makes a home and a checkout for the commands of a page, and drops the logs of the page before."""
+        self.drop_logs()
         place = os.path.join(self.folder, page.replace("/", "-"))
         self.home = os.path.join(place, "home")
         self.checkout = os.path.join(self.home, "tagwright")

@@ -124,13 +124,13 @@ static int Consists_Of (const Guess_Text *text, const char *set) {
     return 1;
 }
 
+// Of blanks: a value with a tab is no text.
 static void Trim (Guess_Text *text) {
-    while (text->length && (*text->bytes == ' ' || *text->bytes == '\t')) {
+    while (text->length && *text->bytes == ' ') {
         text->bytes++;
         text->length--;
     }
-    while (text->length && (text->bytes[text->length - 1] == ' ' || text->bytes[text->length - 1] == '\t'))
-        text->length--;
+    while (text->length && text->bytes[text->length - 1] == ' ') text->length--;
 }
 
 static uint16_t Guess_From_Text (Guess_Text *text) {

@@ -187,7 +187,7 @@ static void Mark_Content (Reading *reading, Attribute *attribute) {
     uint16_t vr = Attribute_VR (attribute);
     if (!Is_Item (attribute))
         reading->encapsulated = (vr == VR_OB || vr == VR_OW) && attribute->length == LENGTH_UNDEFINED;
-    else if (!attribute->vr) attribute->vr = reading->encapsulated ? VR_FRAGMENT : VR_ITEM;
+    else attribute->vr = reading->encapsulated ? VR_FRAGMENT : VR_ITEM;
 }
 
 // The content of a sequence and of its items follows as elements; a fragment has a value like any other element.
@@ -202,7 +202,7 @@ static void Apply_Syntax (Reading *reading, Attribute *attribute) {
 
     attribute->flags |= CONVERTER;
     const char *value  = reinterpret_cast<const char *> (attribute->data);
-    size_t      length = value && attribute->length > 0 ? strnlen (value, static_cast<size_t> (attribute->length)) : 0;
+    size_t      length = value ? strnlen (value, static_cast<size_t> (attribute->length)) : 0;
     for (const Transfer_Syntax &syntax : SYNTAXES)
         if (strlen (syntax.uid) == length && !memcmp (syntax.uid, value, length))
             reading->mode = (reading->mode & MODE_VENDOR) | syntax.mode;

@@ -13,6 +13,7 @@ static const uint8_t  MODE_NUMBER_BITS    = 0x0F; // All but the vendor field.
 static const uint8_t  MODE_DELIMITER_BITS = 0xC1; // What stays of a mode for group FFFE: these tags never have a VR.
 static const uint16_t GROUP_SIEMENS       = 0x0009;
 static const uint16_t ELEMENT_PIXEL       = 0x0010;
+static const int64_t  MARK_END            = INT32_MAX - 1; // A length holds a mark of two bytes in front of it.
 static const int      PLAIN_SIZE          = 12; // Of the longest header (PS3.5 7.1.2).
 
 struct Header {
@@ -247,13 +248,15 @@ static Step Repair_Siemens_6_4 (Header *header) {
     return STEP_DONE;
 }
 
-// Offset of the two bytes from here, at even offsets only, or -1 when they don't come before limit or the end.
+// Offset of the two bytes from here, at even offsets only, or -1 when they don't come before limit or the end, or so late
+// that a length can't reach behind them.
 static int64_t Find_Mark (NEMA_Source *source, const uint8_t mark[2], int64_t limit) {
     uint8_t chunk[4096];
+    int64_t end = limit > 0 && limit < MARK_END ? limit : MARK_END;
     for (int64_t count = 0;;) {
         int64_t obtained = NEMA_Read_Some (source, chunk, sizeof chunk);
         for (int64_t i = 0; i + 1 < obtained; i += 2, count += 2) {
-            if (limit > 0 && count >= limit) return -1;
+            if (count >= end) return -1;
             if (chunk[i] == mark[0] && chunk[i + 1] == mark[1]) return count;
         }
         if (obtained < static_cast<int64_t> (sizeof chunk)) return -1;
@@ -283,7 +286,7 @@ static Step Repair_Siemens_Pixels (Header *header) {
 
     int64_t offset = Find_Mark (header->source, mark, header->limit);
     if (!MOVE (header, start)) return STEP_FAILED;
-    if (offset < 0 || offset + 2 > INT32_MAX) return STEP_FAILED;
+    if (offset < 0) return STEP_FAILED;
     header->length = static_cast<int32_t> (offset + 2);
     Log_Message (header->window, Warning_Kind (header),
                  WARNING_HEAD "Fix Siemens bug: lenght changed from -1 to %d in tag (%04x,%04x)", header->length,

@@ -40,6 +40,13 @@ class File:
         lines = [self.text[line - 1][column - 1 :]] + self.text[line : end_line - 1]
         return " ".join(part.strip() for part in lines + [self.text[end_line - 1][: end_column - 1]])
 
+    def function(self, line):
+        """The name of the function around a line: its head is the nearest line above that is not indented."""
+        while line > 1 and not self.text[line - 1][:1].isalpha():
+            line -= 1
+        name = re.search(r"(\w+) \(", self.text[line - 1])
+        return name.group(1) if name else ""
+
     def missed_lines(self):
         return [line for line, count in sorted(self.lines.items()) if not count]
 
@@ -104,14 +111,10 @@ def write_uncovered(path, files):
 
 
 def read_unreachable(path):
-    """Each entry is a file, an outcome and a condition, with its reason in the comment above."""
-    entries = set()
+    """Each entry is a file, a function, an outcome and a condition, with its reason in the comment above."""
     with open(path, encoding="utf-8") as file:
-        for line in file:
-            if line.strip() and not line.startswith("#"):
-                name, outcome, condition = line.rstrip("\n").split(None, 2)
-                entries.add((name, outcome, condition))
-    return entries
+        lines = [line.rstrip("\n") for line in file if line.strip() and not line.startswith("#")]
+    return {tuple(line.split(None, 3)) for line in lines}
 
 
 def missed_goals(files, totals, unreachable):
@@ -123,8 +126,9 @@ def missed_goals(files, totals, unreachable):
     excuses = set()
     for file in (file for folder in files.values() for file in folder if READER.fullmatch(file.name)):
         for line, _, condition, outcome in file.missed_outcomes():
-            if (file.name, outcome, condition) in unreachable:
-                excuses.add((file.name, outcome, condition))
+            entry = (file.name, file.function(line), outcome, condition)
+            if entry in unreachable:
+                excuses.add(entry)
             else:
                 missed.append(f"{file.name}:{line}: never {outcome}: {condition}")
     missed += [f"reached, or gone, yet called unreachable: {' '.join(entry)}" for entry in sorted(unreachable - excuses)]

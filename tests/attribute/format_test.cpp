@@ -640,6 +640,7 @@ TEST (FormatVrCheck, OtherBytesAreGuessedFromTheirLength) {
         {std::string ("\x01\x02\x03\x04\x05\x06", 6), ""},
         {std::string ("\xE4\x62", 2), "SS"},
         {std::string ("A\x7F", 2), "SS"}, // DEL is no text
+        {std::string ("A\t", 2), "SS"},   // nor is a tab
         {std::string ("\x01", 1), ""},
         {std::string (1024, '\x01'), ""},
         {std::string (1024, 'a'), "ST"},
@@ -657,6 +658,14 @@ TEST (FormatVrCheck, GroupLengthsAndPrivateCreatorsAreKnownByTheirElement) {
     Expect_Guess ({"12", "IS"}, 0x0019, 0x0100);
     Expect_Guess ({"12", "IS"}, 0x0018, 0x0010);
     Expect_Guess ({std::string (1025, '1'), "OB"}, 0x0019, 0x0010);
+}
+
+TEST (FormatVrCheck, AnEmptyBufferIsGuessedAsBlanksAre) {
+    Attribute attribute = Record (0x0019, 0x1001, "", "A");
+    attribute.length    = 0;
+    EXPECT_EQ (1, Check (&attribute));
+    EXPECT_EQ (VR_IS, attribute.vr);
+    Value_Release (&attribute);
 }
 
 TEST (FormatVrCheck, WithoutDataNothingIsGuessed) {

@@ -674,7 +674,7 @@ TEST_P (NemaReadTag, EndMarkIsLookedForUpToTheLimit) {
         EXPECT_EQ (Get (MODE_EXPLICIT, stream, limit), 0) << limit;
         EXPECT_EQ (Position (), 12);
     }
-    for (int32_t limit : {9, 10, 11, 0}) {
+    for (int32_t limit : {9, 10, 11, 0, INT32_MAX}) {
         EXPECT_EQ (Get (MODE_EXPLICIT, stream, limit), 1) << limit;
         EXPECT_EQ (Seen (), "(7fe0,0010) OB 10 @12");
     }

@@ -111,13 +111,17 @@ export_of nema 5 0 5
 run
 [ $status -eq 1 ] || fail "an outcome of the reader is missed: status $status"
 says "nema/one.cpp:2: never true: x > 1" "an outcome of the reader"
-printf '# x is never large.\nnema/one.cpp true x > 1\n' >"$stage/scripts/coverage-unreachable.txt"
+printf '# x is never large.\nnema/one.cpp f true x > 1\n' >"$stage/scripts/coverage-unreachable.txt"
 run
 [ $status -eq 0 ] || fail "what no input reaches is excused: status $status ($output)"
+printf 'nema/one.cpp g true x > 1\n' >"$stage/scripts/coverage-unreachable.txt"
+run
+[ $status -eq 1 ] || fail "an entry for another function: status $status"
+printf 'nema/one.cpp f true x > 1\n' >"$stage/scripts/coverage-unreachable.txt"
 export_of
 run
 [ $status -eq 1 ] || fail "an entry excuses nothing: status $status"
-says "called unreachable: nema/one.cpp true x > 1" "an entry that excuses nothing"
+says "called unreachable: nema/one.cpp f true x > 1" "an entry that excuses nothing"
 : >"$stage/scripts/coverage-unreachable.txt"
 
 touch "$stage/test_fails"

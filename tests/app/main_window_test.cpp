@@ -302,6 +302,7 @@ TEST (MainWindow, WhatIsNotItsOwnIsLeftToTheSystem) {
     EXPECT_EQ (0, shown.Character ('a'));
     EXPECT_EQ (0, shown.Character (0));
     EXPECT_EQ (0, shown.Send (Event (WINDOW_KEY_DOWN)));
+    EXPECT_EQ (0, shown.Send (Event (WINDOW_SYSTEM_KEY_DOWN)));
     EXPECT_EQ (0, shown.Mouse (WINDOW_BUTTON_DOWN, 10, 10, WINDOW_BUTTON_RIGHT));
     EXPECT_EQ (0, shown.Mouse (WINDOW_BUTTON_UP, 10, 10, WINDOW_BUTTON_MIDDLE));
     EXPECT_EQ (1, shown.Send (Event (WINDOW_FOCUS_LOST)));

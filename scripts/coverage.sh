@@ -32,11 +32,14 @@ if ! { cmake --preset coverage && cmake --build --preset coverage; } >"$build/bu
   exit 1
 fi
 
-# The inputs of each target, many to a process, each of which adds to the same counters.
+# The inputs of each target, many to a process, each of which adds to the same counters. They are copied first: a fuzzer
+# that runs meanwhile replaces some by smaller ones.
 replay () {
   export LLVM_PROFILE_FILE=$profiles/%m%c.profraw
   local folder target
-  for folder in "$corpus"/*/; do
+  rm -rf "$build/corpus"
+  cp -r "$corpus" "$build/corpus" || true
+  for folder in "$build"/corpus/*/; do
     target=$(basename "$folder")
     [ -x "$build/fuzz_$target" ] || { echo "scripts/coverage.sh: $target is no target" >&2; return 1; }
     find "$folder" -type f -print0 | xargs -0 -n 1000 "$build/fuzz_$target" -close_fd_mask=1 >"$build/replay.log" 2>&1 ||

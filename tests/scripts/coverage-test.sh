@@ -138,7 +138,7 @@ export_of nema 0 0 0
 run --corpus "$stage/learned"
 [ $status -eq 0 ] || fail "the corpus: status $status ($output)"
 says "file: 2 inputs" "the corpus"
-grep -q '^replay -close_fd_mask=1 .*learned/file/a' "$stage/calls" || fail "replays nothing: $(cat "$stage/calls")"
+grep -q '^replay -close_fd_mask=1 .*corpus/file/a' "$stage/calls" || fail "replays nothing: $(cat "$stage/calls")"
 grep -q '^ctest' "$stage/calls" && fail "the corpus needs no tests"
 [ -s "$stage/build/coverage/uncovered-by-corpus.txt" ] || fail "does not say what the corpus missed"
 

@@ -2,8 +2,8 @@
 # Tells how much of the program the tests run: scripts/coverage.sh builds them with counters, runs them and prints the lines
 # and the outcomes of conditions that were reached, by folder and by file. Those that were not stand in
 # build/coverage/uncovered.txt. The status is not 0 when a test fails or a goal is missed (scripts/coverage-report.py).
-# scripts/coverage.sh --corpus [FOLDER] tells instead what the inputs reach that the fuzzer has learned (build/fuzz/corpus).
-# There is no goal for them; what they don't reach stands in build/coverage/uncovered-by-corpus.txt.
+# scripts/coverage.sh --corpus [FOLDER] tells instead what the fuzzer's inputs reach: its seeds, and what it has learned
+# (build/fuzz/corpus). There is no goal for them; what they don't reach stands in build/coverage/uncovered-by-corpus.txt.
 set -eu
 
 root=$(dirname "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")")
@@ -39,12 +39,14 @@ replay () {
   local folder target
   rm -rf "$build/corpus"
   cp -r "$corpus" "$build/corpus" || true
-  for folder in "$build"/corpus/*/; do
+  scripts/fuzz-seeds.py "$build/seeds"
+  for folder in "$build"/seeds/*/; do
     target=$(basename "$folder")
-    [ -x "$build/fuzz_$target" ] || { echo "scripts/coverage.sh: $target is no target" >&2; return 1; }
-    find "$folder" -type f -print0 | xargs -0 -n 1000 "$build/fuzz_$target" -close_fd_mask=1 >"$build/replay.log" 2>&1 ||
+    mkdir -p "$build/corpus/$target"
+    find "$folder" "$build/corpus/$target" -type f -print0 |
+      xargs -0 -n 1000 "$build/fuzz_$target" -close_fd_mask=1 >"$build/replay.log" 2>&1 ||
       { tail -n 20 "$build/replay.log"; return 1; }
-    echo "$target: $(find "$folder" -type f | wc -l) inputs"
+    echo "$target: $(find "$folder" "$build/corpus/$target" -type f | wc -l) inputs"
   done
 }
 

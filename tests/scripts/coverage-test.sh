@@ -45,6 +45,9 @@ END
 stand_in bin/llvm-cov-14 <<'END'
 cat "$STAGE/export"
 END
+stand_in scripts/fuzz-seeds.py <<'END'
+mkdir -p "$1/file" && touch "$1/file/seed"
+END
 stand_in build/coverage/fuzz_file <<'END'
 echo "replay $*" >>"$STAGE/calls"
 mkdir -p "$STAGE/build/coverage/corpus-profiles"
@@ -137,7 +140,7 @@ touch "$stage/learned/file/a" "$stage/learned/file/b"
 export_of nema 0 0 0
 run --corpus "$stage/learned"
 [ $status -eq 0 ] || fail "the corpus: status $status ($output)"
-says "file: 2 inputs" "the corpus"
+says "file: 3 inputs" "the corpus and the seed"
 grep -q '^replay -close_fd_mask=1 .*corpus/file/a' "$stage/calls" || fail "replays nothing: $(cat "$stage/calls")"
 grep -q '^ctest' "$stage/calls" && fail "the corpus needs no tests"
 [ -s "$stage/build/coverage/uncovered-by-corpus.txt" ] || fail "does not say what the corpus missed"

@@ -131,6 +131,7 @@ VARIABLE = [
     (r"Computer Name:  .*", "Computer Name:  NAME"),
     (r"version \d+\.\d+ \(Build \d+\)", "version SYSTEM"),
     (r"Processor:      .*", "Processor:      KIND"),
+    (r"\((x11|wayland|No available video device)[^)]*\)", "(WHY)"),
     (r"( line:| Line:)\d+", r"\1N"),
 ]
 

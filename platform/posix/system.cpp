@@ -497,10 +497,53 @@ static void Keep (const char *path, int descriptor) {
     kept->descriptor = descriptor;
 }
 
+// A full disk, or a limit of a file's size, takes the beginning of a line and no more. It is cut off again, since the next
+// line would be joined to it; unless somebody else has written behind it meanwhile. 1 when something of it stays.
+static int Take_Back (int descriptor, off_t start, off_t end) {
+    struct stat facts;
+    return lseek (descriptor, 0, SEEK_CUR) != end || fstat (descriptor, &facts) || facts.st_size != end ||
+           ftruncate (descriptor, start);
+}
+
+// 1 when the bytes stand in the file, be it in part; 0 when none of them does. Only the write says where the file ended.
+static int Append (int descriptor, const char *bytes, size_t count) {
+    ssize_t first;
+    do first = write (descriptor, bytes, count);
+    while (first < 0 && errno == EINTR);
+    if (first == (ssize_t)count) return 1;
+    if (first <= 0) return 0;
+    off_t end = lseek (descriptor, 0, SEEK_CUR);
+    if (Write_All (descriptor, bytes + first, count - (size_t)first)) return 1;
+    int error = errno;
+    int stays = Take_Back (descriptor, end - first, end);
+    errno     = error;
+    return stays;
+}
+
+// The default scratch directory is the user's own, but it may have been open to others before: links that they have left
+// there must not lead the log into another file of the user's, nor may a FIFO hold the program up.
+static int Open_Private (const char *path) {
+    struct stat facts;
+    int descriptor = open (path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOCTTY | O_NOFOLLOW | O_NONBLOCK, 0666);
+    if (descriptor < 0) return -1;
+    if (!fstat (descriptor, &facts) && S_ISREG (facts.st_mode) && facts.st_nlink == 1 && facts.st_uid == geteuid ())
+        return descriptor;
+    close (descriptor);
+    errno = EPERM;
+    return -1;
+}
+
+static int Open_For_Appending (const char *path) {
+    char scratch[64];
+    if (System_Scratch_Path (scratch, sizeof scratch) && !strncmp (path, scratch, strlen (scratch)))
+        return Open_Private (path);
+    return open (path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOCTTY, 0666);
+}
+
 int System_Append (const char *path, const void *bytes, size_t count) {
-    int descriptor = open (path, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NOCTTY, 0666);
+    int descriptor = Open_For_Appending (path);
     if (descriptor < 0) return 0;
-    int written = Write_All (descriptor, static_cast<const char *> (bytes), count);
+    int written = Append (descriptor, static_cast<const char *> (bytes), count);
     pthread_mutex_lock (&kept_lock);
     Keep (path, descriptor);
     pthread_mutex_unlock (&kept_lock);
@@ -513,13 +556,9 @@ int System_Append_Again (const char *path, const void *bytes, size_t count) {
     pthread_mutex_lock (&kept_lock);
     Kept_File *kept = Kept_Find (path);
     if (kept) {
-        // What was written in part can't be taken back: it counts as written.
-        if (!stat (path, &facts) && Is_Same_File (&facts, &kept->facts)) {
-            Write_All (kept->descriptor, static_cast<const char *> (bytes), count);
-            written = 1;
-        } else {
-            Kept_Close (kept);
-        }
+        if (!stat (path, &facts) && Is_Same_File (&facts, &kept->facts))
+            written = Append (kept->descriptor, static_cast<const char *> (bytes), count);
+        else Kept_Close (kept);
     }
     pthread_mutex_unlock (&kept_lock);
     return written;

@@ -19,53 +19,8 @@
 #include <gtest/gtest.h>
 
 #include "platform/system.h"
+#include "tests/platform/plain_user.h"
 #include "tests/support/temporary.h"
-
-static std::vector<std::string> boxes;
-
-static int Box_Hook (Window, const char *text, const char *caption, Window_Icon) {
-    boxes.push_back (std::string (caption) + "|" + text);
-    return 0;
-}
-
-static std::string Default_Scratch () {
-    char path[SYSTEM_PATH_SIZE];
-    return System_Scratch_Path (path, sizeof path) ? path : "";
-}
-
-// Runs a test in a process of its own in which the default scratch directory does not exist: the superuser becomes a user
-// who has none, anybody else's is put aside meanwhile.
-static void Without_Default_Scratch (const std::function<void (const std::string &plain)> &what) {
-    fflush (stdout);
-    pid_t child = fork ();
-    if (!child) {
-        uid_t user = 54321 + static_cast<uid_t> (getpid ()) % 100000;
-        EXPECT_TRUE (geteuid () || !setresuid (user, user, user));
-        std::string plain = Default_Scratch ();
-        plain.pop_back ();
-        std::string     aside = plain + ".aside-" + std::to_string (getpid ());
-        std::error_code ignored;
-        bool            moved = !rename (plain.c_str (), aside.c_str ());
-        Log_Settings_Reset ();
-        Log_Sink_Set (Log_Program_Sink);
-        Window_Box_Hook_Set (Box_Hook);
-        boxes.clear ();
-        what (plain);
-        std::filesystem::remove_all (plain, ignored);
-        EXPECT_TRUE (!moved || !rename (aside.c_str (), plain.c_str ()));
-        fflush (stdout);
-        _exit (testing::Test::HasFailure ());
-    }
-    int status = -1;
-    waitpid (child, &status, 0);
-    EXPECT_EQ (status, 0);
-}
-
-static void Expect_One_Box (const std::string &plain) {
-    ASSERT_EQ (boxes.size (), 1u);
-    EXPECT_EQ (boxes[0], "Error writing to Scratch dir|Unable to create directory: \"" + plain +
-                             "/\"\nMake sure you have the necessary permisions");
-}
 
 TEST (PosixLog, DefaultScratchDirectoryIsMadeForTheUserOnly) {
     Without_Default_Scratch ([] (const std::string &plain) {

@@ -1,9 +1,10 @@
 #include "tests/support/memory_failures.h"
 
+#include <string.h>
+
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <regex>
 
 #include "util/memory.h"
 
@@ -31,16 +32,31 @@ struct Report {
     std::string line, module, call, variable, count, size;
 };
 
-// The dimensions belong to all messages but strdup's.
-static bool Read (const std::string &text, Report *report) {
-    static const std::regex FORM ("line (\\d+ *) of (\\w+) \nmemory error in "
-                                  "(?:(malloc|calloc|realloc) \\(var=(.+), dim=(\\d+)x(\\d+)\\)|"
-                                  "(strdup) \\(var=(.+)\\))");
-    std::smatch             parts;
-    if (!std::regex_match (text, parts, FORM) || parts[1].length () < 4) return false;
-    if (parts[3].matched) *report = {parts[1], parts[2], parts[3], parts[4], parts[5], parts[6]};
-    else *report = {parts[1], parts[2], parts[7], parts[8], "", ""};
+// Takes text from the beginning up to the first end, and the end. Returns false without an end.
+static bool Take (std::string *text, const char *end, std::string *part) {
+    size_t place = text->find (end);
+    if (place == std::string::npos) return false;
+    *part = text->substr (0, place);
+    text->erase (0, place + strlen (end));
     return true;
+}
+
+static bool Take (std::string *text, const char *part) {
+    if (text->compare (0, strlen (part), part) != 0) return false;
+    text->erase (0, strlen (part));
+    return true;
+}
+
+// The dimensions belong to all messages but strdup's. A number that is shorter is as wide as four digits.
+static bool Read (std::string text, Report *report) {
+    if (!Take (&text, "line ") || !Take (&text, " of ", &report->line) || report->line.size () < 4) return false;
+    report->line.erase (report->line.find_last_not_of (' ') + 1);
+    if (!Take (&text, " \n", &report->module) || !Take (&text, "memory error in ")) return false;
+    if (!Take (&text, " (var=", &report->call)) return false;
+    if (report->call == "strdup") return Take (&text, ")", &report->variable) && text.empty ();
+    if (report->call != "malloc" && report->call != "calloc" && report->call != "realloc") return false;
+    return Take (&text, ", dim=", &report->variable) && Take (&text, "x", &report->count) &&
+           Take (&text, ")", &report->size) && text.empty ();
 }
 
 static bool Is_Number (const std::string &text) {
@@ -49,7 +65,8 @@ static bool Is_Number (const std::string &text) {
 
 ::testing::AssertionResult Names_Its_Place (const std::string &text) {
     Report report;
-    if (!Read (text, &report)) return ::testing::AssertionFailure () << "no memory message: " << text;
+    if (!Read (text, &report) || !Is_Number (report.line))
+        return ::testing::AssertionFailure () << "no memory message: " << text;
 
     auto source = Program_Sources ().find (report.module);
     if (source == Program_Sources ().end ()) return ::testing::AssertionFailure () << "no such source: " << text;
@@ -62,14 +79,11 @@ static bool Is_Number (const std::string &text) {
     if (here == std::string::npos) return ::testing::AssertionFailure () << text << "\nhas the line\n" << line;
     if (report.call == "strdup") return ::testing::AssertionSuccess ();
 
-    static const std::regex DIMENSIONS ("\", ([^,]+), ([^,)]+)");
-    std::smatch             parts;
-    std::string             written = line.substr (here);
-    if (!std::regex_search (written, parts, DIMENSIONS))
+    std::string rest = line.substr (here), count, size;
+    if (!Take (&rest, "\", ", &count) || !Take (&rest, ", ", &count) || !Take (&rest, ")", &size))
         return ::testing::AssertionFailure () << text << "\nhas no dimensions in\n" << line;
-    bool same =
-        (!Is_Number (parts[1]) || parts[1] == report.count) && (!Is_Number (parts[2]) || parts[2] == report.size);
-    if (!same || report.count == "0" || report.size == "0")
+    bool same = (!Is_Number (count) || count == report.count) && (!Is_Number (size) || size == report.size);
+    if (!same || !Is_Number (report.count) || !Is_Number (report.size) || report.count == "0" || report.size == "0")
         return ::testing::AssertionFailure () << text << "\nhas other dimensions in\n" << line;
     return ::testing::AssertionSuccess ();
 }

@@ -35,7 +35,7 @@ compare_as_new_user () { # program, data folder
 show_in_window () { # tagwright-open
   APPDATA="$stage/user" xvfb-run -a -s "-screen 0 1024x768x24 -nolisten tcp" bash -eu -c '
     "$1" "$2/ct_a.dcm" "$2/ct_b.dcm" &
-    window=$(timeout 60 xdotool search --sync --onlyvisible --name "^Kestrelbay.s Tagwright 2.1 rev-2\$" | tail -n 1)
+    window=$(timeout 60 xdotool search --sync --onlyvisible --name "^Kestrelbay.s Tagwright " | tail -n 1)
     for i in $(seq 100); do
       grep -q "^Found 12 differences" "$3"/Tagwright_*.dat 2>/dev/null && break
       sleep 0.2

@@ -71,7 +71,7 @@ open_in_window () { # words...
   local window i
   rm -rf "$drive/Temp"
   wine "$@" &
-  window=$(timeout 90 xdotool search --sync --onlyvisible --name "^Kestrelbay.s Tagwright 2.1 rev-2\$" | tail -n 1)
+  window=$(timeout 90 xdotool search --sync --onlyvisible --name "^Kestrelbay.s Tagwright " | tail -n 1)
   [ -n "$window" ] || fail "no window of $1"
   for i in $(seq 100); do
     grep -q "^Found 12 differences" "$drive"/Temp/Tagwright_*.dat 2>/dev/null && break

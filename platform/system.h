@@ -84,6 +84,12 @@ void System_View_Release (const void *bytes, size_t count);     // Of a view: wh
                                                                 // process; they come back when they are looked at again.
 int  System_Map_Faults (void);      // Pages that had vanished since the last call; 0 is the rule.
 
+// --- memory ----------------------------------------------------------------
+
+// Size bytes (a power of 2), in large pages where the system has them. None when there are none. Given back as a whole.
+void *System_Pages_Take (size_t size);
+void  System_Pages_Return (void *pages, size_t size);
+
 // --- log files -------------------------------------------------------------
 
 // Adds bytes to the end of a file, which is made when it is missing, as one piece that other writers don't tear. They are

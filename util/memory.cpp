@@ -1,6 +1,7 @@
 // Lists are made of millions of small blocks, most of which come and go together. They stand side by side in slabs, one size
-// a slab, which costs less time and less memory than asking the C allocator for each; larger blocks come from there. A slab
-// whose last block is freed goes, too. Under the address sanitizer every block is the C allocator's own, so that it sees
+// a slab, which costs less time and less memory than asking the C allocator for each; larger blocks come from there. Where
+// there are many slabs they are parts of chunks, for which the system has large pages: of small ones, taking and returning
+// each costs more than a thousand instructions. A slab whose last block is freed goes, too, and so does a chunk. Under the address sanitizer every block is the C allocator's own, so that it sees
 // each misuse. One counter lets tests fail any allocation, one counts the living blocks.
 #include "util/memory.h"
 
@@ -8,6 +9,7 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "platform/system.h"
 #include "util/my_error_fct.h"
 
 static long fail_countdown; // 0: no allocation fails.
@@ -53,72 +55,152 @@ static void  Block_Free (void *block) { free (block); }
 
 #else
 
-static const size_t UNIT       = 16;        // Sizes of small blocks are multiples of it.
-static const size_t SMALL      = 256;       // The largest of them.
-static const size_t SLAB_SIZE  = 64 * 1024; // Bytes of a slab, its head counted.
-static const int    SLAB_SIZES = SMALL / UNIT;
+static const size_t UNIT        = 16;               // Sizes of small blocks are multiples of it.
+static const size_t SMALL       = 256;              // The largest of them.
+static const size_t SLAB_SIZE   = 64 * 1024;        // Bytes of a slab, its head counted.
+static const size_t CHUNK_SIZE  = 2 * 1024 * 1024;  // Bytes of a chunk: one large page of most processors.
+static const int    CHUNK_SLABS = CHUNK_SIZE / SLAB_SIZE;
+static const int    SLABS_ALONE = 32;               // Slabs before the first chunk: most lists are short.
+static const int    SLAB_SIZES  = SMALL / UNIT;
 
 struct Slab;
+struct Chunk;
 
 // What stands before each block: the slab that it is of, or none. In a free one of a slab the next free one follows.
 struct Head {
     Slab *slab;
 };
 
-struct Slab {
-    Slab   *next; // Of the slabs of its size that have room; a ring.
-    Slab   *previous;
-    Head   *free;   // Blocks that were freed.
-    char   *unused; // From here on no block was ever taken.
-    size_t  size;   // Of a block with its head.
-    int32_t live;
-    int     room; // 1 while it is in the ring.
+// Of a ring of those that have room.
+struct Link {
+    Link *next;
+    Link *previous;
+    int   linked; // 1 while it is in the ring.
 };
 
-static Slab *rooms[SLAB_SIZES]; // The slab from which the next block of that size comes, or none.
+struct Slab {
+    Link    link;   // With the others of its size.
+    Chunk  *chunk;  // Of which it is a part, or none.
+    Head   *free;   // Blocks that were freed.
+    char   *unused; // From here on no block was ever taken.
+    char   *end;
+    size_t  size;   // Of a block with its head.
+    int32_t live;
+};
+
+// Stands in front of its first slab.
+struct Chunk {
+    Link    link;
+    Link   *free;  // Slabs that were freed, one behind the other.
+    int32_t taken; // Slabs that were ever taken, the first ones.
+    int32_t live;
+};
+
+static Link *slab_rooms[SLAB_SIZES]; // The slab from which the next block of that size comes, or none.
+static Link *chunk_room;             // The chunk from which the next slab comes, or none.
+static int   slab_count;
 
 static Head **Next_Free (Head *head) { return reinterpret_cast<Head **> (head + 1); }
 
-static int Has_Unused (const Slab *slab) {
-    return static_cast<size_t> (slab->unused - reinterpret_cast<const char *> (slab)) + slab->size <= SLAB_SIZE;
-}
+static int Has_Unused (const Slab *slab) { return static_cast<size_t> (slab->end - slab->unused) >= slab->size; }
 
-static void Room_Add (Slab **room, Slab *slab) {
-    slab->room = 1;
+// --- rooms -----------------------------------------------------------------
+
+static void Room_Add (Link **room, Link *link) {
+    link->linked = 1;
     if (!*room) {
-        slab->next = slab->previous = slab;
-        *room                       = slab;
+        link->next = link->previous = link;
+        *room                       = link;
         return;
     }
-    slab->next           = *room;
-    slab->previous       = (*room)->previous;
-    slab->next->previous = slab;
-    slab->previous->next = slab;
+    link->next           = *room;
+    link->previous       = (*room)->previous;
+    link->next->previous = link;
+    link->previous->next = link;
 }
 
-static void Room_Remove (Slab **room, Slab *slab) {
-    slab->room           = 0;
-    slab->next->previous = slab->previous;
-    slab->previous->next = slab->next;
-    if (*room == slab) *room = slab->next == slab ? nullptr : slab->next;
+static void Room_Remove (Link **room, Link *link) {
+    link->linked         = 0;
+    link->next->previous = link->previous;
+    link->previous->next = link->next;
+    if (*room == link) *room = link->next == link ? nullptr : link->next;
 }
 
-static Slab *Slab_New (size_t size) {
-    Slab *slab = static_cast<Slab *> (malloc (SLAB_SIZE));
-    if (!slab) return nullptr;
-    *slab = {nullptr, nullptr, nullptr, reinterpret_cast<char *> (slab + 1), size, 0, 0};
+// --- slabs -----------------------------------------------------------------
+
+static Chunk *Chunk_With_Room (void) {
+    if (chunk_room) return reinterpret_cast<Chunk *> (chunk_room);
+    Chunk *chunk = static_cast<Chunk *> (System_Pages_Take (CHUNK_SIZE));
+    if (!chunk) return nullptr;
+    *chunk = {};
+    Room_Add (&chunk_room, &chunk->link);
+    return chunk;
+}
+
+static Slab *Slab_Of_Chunk (void) {
+    Chunk *chunk = Chunk_With_Room ();
+    if (!chunk) return nullptr;
+    char *start = reinterpret_cast<char *> (chunk->free);
+    if (start) {
+        chunk->free = chunk->free->next;
+    } else {
+        start = reinterpret_cast<char *> (chunk) + static_cast<size_t> (chunk->taken++) * SLAB_SIZE;
+        if (chunk->taken == 1) start += sizeof (Chunk);
+    }
+    if (++chunk->live == CHUNK_SLABS) Room_Remove (&chunk_room, &chunk->link);
+    Slab  *slab   = reinterpret_cast<Slab *> (start);
+    size_t offset = static_cast<size_t> (start - reinterpret_cast<char *> (chunk));
+    slab->chunk   = chunk;
+    slab->end     = start + (SLAB_SIZE - offset % SLAB_SIZE);
     return slab;
 }
 
+static Slab *Slab_Alone (void) {
+    Slab *slab = static_cast<Slab *> (malloc (SLAB_SIZE));
+    if (!slab) return nullptr;
+    slab->chunk = nullptr;
+    slab->end   = reinterpret_cast<char *> (slab) + SLAB_SIZE;
+    return slab;
+}
+
+static Slab *Slab_New (size_t size) {
+    Slab *slab = slab_count < SLABS_ALONE ? nullptr : Slab_Of_Chunk ();
+    if (!slab) slab = Slab_Alone ();
+    if (!slab) return nullptr;
+    slab_count++;
+    slab->free   = nullptr;
+    slab->unused = reinterpret_cast<char *> (slab + 1);
+    slab->size   = size;
+    slab->live   = 0;
+    return slab;
+}
+
+static void Slab_Free (Slab *slab) {
+    Chunk *chunk = slab->chunk;
+    slab_count--;
+    if (!chunk) {
+        free (slab);
+        return;
+    }
+    slab->link.next = chunk->free;
+    chunk->free     = &slab->link;
+    if (!chunk->link.linked) Room_Add (&chunk_room, &chunk->link);
+    if (--chunk->live || &chunk->link == chunk_room) return; // The one in use stays, as among slabs.
+    Room_Remove (&chunk_room, &chunk->link);
+    System_Pages_Return (chunk, CHUNK_SIZE);
+}
+
+// --- blocks of slabs -------------------------------------------------------
+
 static void *Small_New (size_t bytes) {
     int    index = static_cast<int> ((bytes + UNIT - 1) / UNIT) - 1;
-    Slab **room  = &rooms[index];
-    Slab  *slab  = *room;
-    if (!slab) {
-        slab = Slab_New (static_cast<size_t> (index + 1) * UNIT + sizeof (Head));
-        if (!slab) return nullptr;
-        Room_Add (room, slab);
+    Link **room  = &slab_rooms[index];
+    if (!*room) {
+        Slab *fresh = Slab_New (static_cast<size_t> (index + 1) * UNIT + sizeof (Head));
+        if (!fresh) return nullptr;
+        Room_Add (room, &fresh->link);
     }
+    Slab *slab = reinterpret_cast<Slab *> (*room);
     Head *head = slab->free;
     if (head) {
         slab->free = *Next_Free (head);
@@ -128,19 +210,19 @@ static void *Small_New (size_t bytes) {
     }
     head->slab = slab;
     slab->live++;
-    if (!slab->free && !Has_Unused (slab)) Room_Remove (room, slab);
+    if (!slab->free && !Has_Unused (slab)) Room_Remove (room, &slab->link);
     return head + 1;
 }
 
 static void Small_Free (Slab *slab, Head *head) {
-    Slab **room       = &rooms[(slab->size - sizeof (Head)) / UNIT - 1];
+    Link **room       = &slab_rooms[(slab->size - sizeof (Head)) / UNIT - 1];
     *Next_Free (head) = slab->free;
     slab->free        = head;
     slab->live--;
-    if (!slab->room) Room_Add (room, slab);
-    if (slab->live || slab == *room) return; // The one in use stays: its next block is asked for soon.
-    Room_Remove (room, slab);
-    free (slab);
+    if (!slab->link.linked) Room_Add (room, &slab->link);
+    if (slab->live || &slab->link == *room) return; // The one in use stays: its next block is asked for soon.
+    Room_Remove (room, &slab->link);
+    Slab_Free (slab);
 }
 
 static void *Block_New (size_t bytes) {

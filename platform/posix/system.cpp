@@ -400,6 +400,22 @@ void System_View_Release (const void *bytes, size_t count) {
     if (start < end) madvise ((void *)start, end - start, MADV_DONTNEED);
 }
 
+// --- memory ----------------------------------------------------------------
+
+// Large pages start at multiples of their size, so twice as much is asked for and what is too much returned.
+void *System_Pages_Take (size_t size) {
+    void *base = mmap (nullptr, 2 * size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (base == MAP_FAILED) return nullptr;
+    char  *start = static_cast<char *> (base);
+    size_t front = (size - (uintptr_t)base % size) % size;
+    if (front) munmap (start, front);
+    if (front < size) munmap (start + front + size, size - front);
+    madvise (start + front, size, MADV_HUGEPAGE);
+    return start + front;
+}
+
+void System_Pages_Return (void *pages, size_t size) { munmap (pages, size); }
+
 // --- copying files ---------------------------------------------------------
 
 static int Write_All (int descriptor, const char *bytes, size_t count) {

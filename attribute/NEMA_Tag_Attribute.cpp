@@ -6,7 +6,6 @@
 #include "attribute/NEMA_Tag_Attribute.h"
 
 #include <stdio.h>
-#include <string.h>
 
 #include "attribute/NEMA_Tag_Copy.h"
 #include "attribute/list_index.h"
@@ -326,11 +325,11 @@ Attribute *DICOM_Attribute_Insert (Window window, SequenceCursor *cursor, Attrib
     return insert ? Insert_Filled (window, cursor, place, insert, source) : nullptr;
 }
 
-Attribute *Attribute_New (Window window, const Attribute *fields) {
+Attribute *Attribute_New (Window window, const Attribute *fields, int32_t room) {
     static const Memory_Site site = HERE ("insert", 1, RECORD_SIZE_STATED);
 
-    void *memory = Memory_Try (sizeof (Attribute));
-    if (memory) return static_cast<Attribute *> (memcpy (memory, fields, sizeof (Attribute)));
+    Attribute *record = Value_Record_New (fields, room);
+    if (record) return record;
     Trace_Insert (window, fields);
     Memory_Report (window, &site, "calloc");
     return nullptr;
@@ -494,9 +493,8 @@ void DICOM_Attribute_Free (Window window, Attribute *attribute) {
     Log_Message (window, LOG_TRACE5, "in DICOM_Attribute_Free(%04x,%04x)", attribute->group, attribute->element);
     // Every slot, also behind an empty one: an item that lost all its attributes leaves an empty slot before full ones.
     for (int32_t i = 0; i < attribute->nb_item; i++) List_Free (window, &attribute->item[i]);
-    Value_Release (attribute);
     if (attribute->index) List_Index_Free (attribute);
     Memory_Free (attribute->item);
     Memory_Free (attribute->description);
-    Memory_Free (attribute);
+    Value_Record_Free (attribute);
 }

@@ -43,8 +43,9 @@ inline void Insert_Path_Cut (Insert_Path *path, int32_t depth) { if (path->depth
 // stays with the caller.
 int DICOM_Attribute_Adopt (Window window, SequenceCursor *cursor, Insert_Path *path, Attribute *record);
 
-// A record with these fields that is in no list; what fields owns passes to it. None on failure.
-Attribute *Attribute_New (Window window, const Attribute *fields);
+// A record with these fields that is in no list, with room for a value of so many bytes (Value_New_In_Room). What fields
+// owns passes to it. None on failure.
+Attribute *Attribute_New (Window window, const Attribute *fields, int32_t room);
 
 // The record with that tag (the last of several), or a new empty one at its place in tag order. None on failure.
 Attribute *DICOM_Attribute_Find_Or_Insert (Window window, SequenceCursor *cursor, Attribute **place, uint16_t group,

@@ -89,6 +89,8 @@ struct Attribute {
     uint16_t    vr_file;        // VR in the stream, 0 for implicit VR.
     uint16_t    vr;             // VR of dictionary or definition, 0 when unknown.
     uint16_t    type;           // "1 ", "1C", "2 ", "2C", "3 " or 0.
+    uint8_t     unordered;      // First record of a list only: 1 when some record is smaller than the one before it.
+    uint8_t     room;           // Bytes behind the record for its first value, 0 for none; of attribute/value.h.
     int32_t     vm;             // Values found by the last decoding call.
     int32_t     diff_a;         // Compared quantities; merged list only.
     int32_t     diff_b;
@@ -99,6 +101,7 @@ struct Attribute {
     char       *description;    // Owned, or none.
     const Dictionary_Entry *definition;     // Borrowed for the life of the process, or none.
     int32_t     nb_item;        // Slots in item.
+    int32_t     walked;         // First record of a list only: steps of searches that count towards an index.
     Attribute **item;           // Owned array of lists, one an item; a slot may be none.
     Attribute  *next;
     Attribute  *last;           // First record of a list only: where the next one is linked.
@@ -106,8 +109,6 @@ struct Attribute {
     Value_Block *block;         // What data points into: one reference of it is owned. None when data is none.
     Attribute   *seek;          // First record of a list only: where the last search of the list ended, a hint.
     List_Index  *index;         // First record of a list only: owned, of attribute/list_index.h, or none.
-    int32_t      walked;        // First record of a list only: steps of searches that count towards an index.
-    uint8_t      unordered;     // First record of a list only: 1 when some record is smaller than the one before it.
 };
 
 // The VR that counts: the stream's, else the dictionary's.

@@ -1,14 +1,22 @@
 // The one source that knows what a value block is. A block of memory carries its bytes right behind its head, so that a
-// value costs one allocation; a block of a mapping only names the view.
+// value costs one allocation; a block of a mapping only names the view. A block in the room behind a record counts the
+// record as one more that shares it.
 #include "attribute/value.h"
 
 #include <string.h>
 
 static const char *const MODULE = "value";
 
+enum Block_Kind : int32_t {
+    BLOCK_MEMORY,
+    BLOCK_MAPPED, // The head of a Mapped_Block.
+    BLOCK_ROOM,   // Behind a record,
+    BLOCK_ORPHAN  // and behind what was one.
+};
+
 struct Value_Block {
-    int32_t count;  // Attributes that share the block.
-    int32_t mapped; // 1: the head of a Mapped_Block.
+    int32_t    count; // Attributes that share the block.
+    Block_Kind kind;
 };
 
 struct Mapped_Block {
@@ -22,8 +30,13 @@ static size_t Block_Size (int32_t length) {
     return sizeof (Value_Block) + static_cast<size_t> (length > 0 ? length : 0);
 }
 
+static Value_Block *Room_Block (Attribute *record) { return reinterpret_cast<Value_Block *> (record + 1); }
+
+static Attribute *Room_Record (Value_Block *block) { return reinterpret_cast<Attribute *> (block) - 1; }
+
 static int Is_Own (const Attribute *attribute) {
-    return attribute->block && attribute->block->count == 1 && !attribute->block->mapped;
+    const Value_Block *block = attribute->block;
+    return block && block->kind != BLOCK_MAPPED && block->count == (block->kind == BLOCK_ROOM ? 2 : 1);
 }
 
 // Puts a fresh block, which may be none after a failed allocation, in the place of the old value.
@@ -31,7 +44,7 @@ static int Take (Attribute *attribute, void *memory) {
     if (!memory) return 0;
     Value_Block *block = static_cast<Value_Block *> (memory);
     block->count       = 1;
-    block->mapped      = 0;
+    block->kind        = BLOCK_MEMORY;
     Value_Release (attribute);
     attribute->block = block;
     attribute->data  = Block_Bytes (block);
@@ -42,6 +55,36 @@ int Value_New (Window window, Memory_Site site, Attribute *attribute, int32_t le
     return Take (attribute, Memory_Malloc (window, site, Block_Size (length)));
 }
 
+// --- room behind a record --------------------------------------------------
+
+Attribute *Value_Record_New (const Attribute *fields, int32_t length) {
+    size_t     room   = length > 0 ? Block_Size (length) : 0;
+    Attribute *record = static_cast<Attribute *> (Memory_Try (sizeof (Attribute) + room));
+    if (!record) return nullptr;
+    *record      = *fields;
+    record->room = static_cast<uint8_t> (length);
+    if (length) *Room_Block (record) = {1, BLOCK_ROOM};
+    return record;
+}
+
+void Value_Record_Free (Attribute *record) {
+    Value_Release (record);
+    Value_Block *block = record->room ? Room_Block (record) : nullptr;
+    if (block && --block->count) block->kind = BLOCK_ORPHAN;
+    else Memory_Free (record);
+}
+
+int Value_New_In_Room (Attribute *record, int32_t length) {
+    if (!record->room || length > record->room || Room_Block (record)->count > 1) return 0;
+    Value_Release (record);
+    record->block = Room_Block (record);
+    record->data  = Block_Bytes (record->block);
+    record->block->count++;
+    return 1;
+}
+
+// --- views of a file -------------------------------------------------------
+
 int Value_Map (Window window, Attribute *attribute, File *file, int32_t length) {
     Mapped_Block *block =
         static_cast<Mapped_Block *> (Memory_Malloc (window, HERE ("block", 1, sizeof *block), sizeof *block));
@@ -50,14 +93,16 @@ int Value_Map (Window window, Attribute *attribute, File *file, int32_t length) 
         Memory_Free (block);
         return 0;
     }
-    block->head.count  = 1;
-    block->head.mapped = 1;
+    block->head.count = 1;
+    block->head.kind  = BLOCK_MAPPED;
     Value_Release (attribute);
     attribute->block = &block->head;
     // Nobody writes through a mapped view: whoever changes a value unshares it first.
     attribute->data = const_cast<uint8_t *> (block->mapping.bytes);
     return 1;
 }
+
+// --- sharing ---------------------------------------------------------------
 
 void Value_Share (Attribute *target, const Attribute *source) {
     Value_Block *block = source->block;
@@ -73,8 +118,9 @@ void Value_Release (Attribute *attribute) {
     attribute->block   = nullptr;
     attribute->data    = nullptr;
     if (!block || --block->count > 0) return;
-    if (block->mapped) System_File_Unmap (&reinterpret_cast<Mapped_Block *> (block)->mapping);
-    Memory_Free (block);
+    if (block->kind == BLOCK_MAPPED) System_File_Unmap (&reinterpret_cast<Mapped_Block *> (block)->mapping);
+    if (block->kind == BLOCK_ORPHAN) Memory_Free (Room_Record (block));
+    else Memory_Free (block);
 }
 
 int Value_Unshare (Window window, Memory_Site site, Attribute *attribute) {
@@ -90,13 +136,15 @@ int Value_Unshare (Window window, Memory_Site site, Attribute *attribute) {
 }
 
 int Value_Resize (Window window, Memory_Site site, Attribute *attribute, int32_t new_length) {
-    if (Is_Own (attribute)) {
+    if (Is_Own (attribute) && attribute->block->kind == BLOCK_MEMORY) {
         void *memory = Memory_Realloc (window, site, attribute->block, Block_Size (new_length));
         if (!memory) return 0;
         attribute->block = static_cast<Value_Block *> (memory);
         attribute->data  = Block_Bytes (attribute->block);
         return 1;
     }
+
+    if (Is_Own (attribute) && new_length <= Room_Record (attribute->block)->room) return 1;
 
     // Held until the bytes are copied: taking the new block releases the old one.
     Attribute old = {};
@@ -117,7 +165,7 @@ int Value_Set_Text (Window window, Memory_Site site, Attribute *attribute, const
     return 1;
 }
 
-int Value_Is_Mapped (const Attribute *attribute) { return attribute->block && attribute->block->mapped; }
+int Value_Is_Mapped (const Attribute *attribute) { return attribute->block && attribute->block->kind == BLOCK_MAPPED; }
 
 void Value_Looked_At (const Attribute *attribute, size_t start, size_t count) {
     if (Value_Is_Mapped (attribute)) System_View_Release (attribute->data + start, count);

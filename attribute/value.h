@@ -1,6 +1,9 @@
 // Value bytes and who shares them. An attribute's data lives in a reference-counted block: memory of its own, or the
 // read-only mapping of the file. Copying an attribute shares the block; whoever changes bytes in place unshares first.
 // The count is a plain integer: one thread works on lists.
+//
+// A record that is made for a small value has room for it right behind itself, so that both cost one allocation. Whoever
+// shares such a value may keep it longer than the record lives: its memory stays until then.
 #pragma once
 
 #include <stddef.h>
@@ -13,6 +16,15 @@
 // Gives attribute a new block of its own of length bytes (0 gives a buffer without bytes), uninitialised, and releases
 // the old one. length and the other fields stay. 1, or 0 after the malloc message.
 int Value_New (Window window, Memory_Site site, Attribute *attribute, int32_t length);
+
+// Memory for a record and a value of length bytes (0 for none), with these fields. None on failure, which isn't reported.
+Attribute *Value_Record_New (const Attribute *fields, int32_t length);
+void       Value_Record_Free (Attribute *record);   // The record's memory, also one's without room, and its value.
+
+static const int32_t VALUE_ROOM_MOST = 96;          // Longer values have a block of their own.
+
+// Value_New in the room behind the record. 1, or 0 when there is none or too little, or it is in use.
+int Value_New_In_Room (Attribute *record, int32_t length);
 
 // Gives attribute the next length bytes of the file as a view, without reading them, and moves the file behind them.
 // 1, or 0 when it can't be mapped; then nothing has changed and the caller reads.

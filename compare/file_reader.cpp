@@ -208,34 +208,30 @@ static void Apply_Syntax (Reading *reading, Attribute *attribute) {
             reading->mode = (reading->mode & MODE_VENDOR) | syntax.mode;
 }
 
-// Appends a record with these fields; the value goes over to it.
-static Attribute *Append (Reading *reading, Attribute *fields) {
-    Attribute *record = Attribute_New (reading->window, fields);
-    if (!record) return nullptr;
-    fields->data  = nullptr;
-    fields->block = nullptr;
-    if (DICOM_Attribute_Adopt (reading->window, reading->cursor, &reading->path, record)) return record;
-    DICOM_Attribute_Free (reading->window, record);
-    return nullptr;
+// Makes the record of the element whose header was read, with its value, and appends it to the list.
+static Step Append (Reading *reading, const Attribute *header) {
+    Window     window    = reading->window;
+    bool       has_value = Has_Value (reading, header);
+    int32_t    room      = has_value && header->length <= VALUE_ROOM_MOST ? header->length : 0;
+    Attribute *record    = Attribute_New (window, header, room);
+    if (!record) return STEP_FAILED;
+    if ((!has_value || NEMA_Read_Buffer (window, &reading->source, record->mode, record->length, record)) &&
+        DICOM_Attribute_Adopt (window, reading->cursor, &reading->path, record)) {
+        Apply_Syntax (reading, record);
+        return STEP_DONE;
+    }
+    Value_Record_Free (record);
+    return STEP_FAILED;
 }
 
-// Reads the next element into attribute, which the caller has cleared and releases, and appends it to the list.
-static Step Read_Element (Reading *reading, Attribute *attribute) {
-    Step step = Read_Header (reading, attribute);
+// header, which the caller has cleared, gets what is known of the element without its value.
+static Step Read_Element (Reading *reading, Attribute *header) {
+    Step step = Read_Header (reading, header);
+    if (step == STEP_DONE) step = Check_Header (reading, header);
     if (step != STEP_DONE) return step;
-    step = Check_Header (reading, attribute);
-    if (step != STEP_DONE) return step;
-
-    Look_Up (reading, attribute);
-    Mark_Content (reading, attribute);
-    if (Has_Value (reading, attribute) &&
-        !NEMA_Read_Buffer (reading->window, &reading->source, attribute->mode, attribute->length, attribute))
-        return STEP_FAILED;
-
-    Attribute *added = Append (reading, attribute);
-    if (!added) return STEP_FAILED;
-    Apply_Syntax (reading, added);
-    return STEP_DONE;
+    Look_Up (reading, header);
+    Mark_Content (reading, header);
+    return Append (reading, header);
 }
 
 // --- the file --------------------------------------------------------------
@@ -269,14 +265,13 @@ static void Read_Stream (Reading *reading) {
     DICOM_Attribute_Sequence_Reset (window, reading->cursor);
     Log_Message (window, LOG_TRACE1, "---------- Reading DICOM tags -------------");
 
-    Attribute attribute;
+    Attribute header;
     Step      step = STEP_DONE;
     while (step == STEP_DONE) {
-        attribute = {};
-        step      = Read_Element (reading, &attribute);
-        Value_Release (&attribute);
+        header = {};
+        step   = Read_Element (reading, &header);
     }
-    if (step == STEP_FAILED) Report_Early_Stop (reading, attribute.pos_tag);
+    if (step == STEP_FAILED) Report_Early_Stop (reading, header.pos_tag);
 }
 
 Attribute *File_Read_Elements (Window window, SequenceCursor *cursor, const char *name) {

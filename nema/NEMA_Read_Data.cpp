@@ -160,7 +160,7 @@ int NEMA_Read_Buffer (Window window, NEMA_Source *source, uint8_t mode, int32_t 
     if (!NEMA_Check_Left (window, source, length)) return 0;
     if (Is_Mapped_Kind (source, mode, length) && Value_Map (window, target, source->file, length)) return 1;
 
-    if (!Value_New (window, HERE ("buf", length, 1), target, length)) return 0;
+    if (!Value_New_In_Room (target, length) && !Value_New (window, HERE ("buf", length, 1), target, length)) return 0;
     if (!Read (window, source, static_cast<size_t> (length), target->data, __LINE__)) {
         Value_Release (target);
         return 0;

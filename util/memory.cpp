@@ -55,12 +55,12 @@ static void  Block_Free (void *block) { free (block); }
 
 #else
 
-static const size_t UNIT        = 16;               // Sizes of small blocks are multiples of it.
-static const size_t SMALL       = 256;              // The largest of them.
-static const size_t SLAB_SIZE   = 64 * 1024;        // Bytes of a slab, its head counted.
-static const size_t CHUNK_SIZE  = 2 * 1024 * 1024;  // Bytes of a chunk: one large page of most processors.
+static const size_t UNIT        = 8;               // Sizes of small blocks are multiples of it.
+static const size_t SMALL       = 256;             // The largest of them.
+static const size_t SLAB_SIZE   = 64 * 1024;       // Bytes of a slab, its head counted.
+static const size_t CHUNK_SIZE  = 2 * 1024 * 1024; // Bytes of a chunk: one large page of most processors.
 static const int    CHUNK_SLABS = CHUNK_SIZE / SLAB_SIZE;
-static const int    SLABS_ALONE = 32;               // Slabs before the first chunk: most lists are short.
+static const int    SLABS_ALONE = 48; // Slabs before the first chunk: most lists are short.
 static const int    SLAB_SIZES  = SMALL / UNIT;
 
 struct Slab;
@@ -84,7 +84,7 @@ struct Slab {
     Head   *free;   // Blocks that were freed.
     char   *unused; // From here on no block was ever taken.
     char   *end;
-    size_t  size;   // Of a block with its head.
+    size_t  size; // Of a block with its head.
     int32_t live;
 };
 

@@ -249,9 +249,7 @@ int System_Map_Faults (void) { return 0; } // What is mapped can't vanish, see F
 // --- memory ----------------------------------------------------------------
 
 // Large pages need a privilege that users don't have; a whole piece is cheaper than many all the same.
-void *System_Pages_Take (size_t size) {
-    return VirtualAlloc (nullptr, size, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
-}
+void *System_Pages_Take (size_t size) { return VirtualAlloc (nullptr, size, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE); }
 
 void System_Pages_Return (void *pages, size_t) { VirtualFree (pages, 0, MEM_RELEASE); }
 

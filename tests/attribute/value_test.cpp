@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string.h>
+
 #include "tests/support/lists.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/temporary.h"
@@ -195,4 +197,102 @@ TEST (Value, AFailedMappingLeavesTheValue) {
     EXPECT_EQ ("ABCD", Value (&a));
     File_Close (file);
     Value_Release (&a);
+}
+
+// --- room behind a record --------------------------------------------------
+
+static Attribute *With_Room (int32_t room, const std::string &value) {
+    Attribute fields  = {};
+    fields.length     = static_cast<int32_t> (value.size ());
+    Attribute *record = Value_Record_New (&fields, room);
+    if (record && Value_New_In_Room (record, fields.length)) memcpy (record->data, value.data (), value.size ());
+    return record;
+}
+
+TEST (Value, RoomBehindARecordTakesOneValueThatFits) {
+    long       before = Memory_Live ();
+    Attribute *record = With_Room (6, "ABCD");
+    EXPECT_EQ ("ABCD", Value (record));
+    EXPECT_EQ (before + 1, Memory_Live ());
+    EXPECT_EQ (0, Value_New_In_Room (record, 2)); // in use
+    Value_Release (record);
+    EXPECT_EQ (nullptr, record->data);
+    EXPECT_EQ (0, Value_New_In_Room (record, 7));
+    EXPECT_EQ (nullptr, record->data);
+    EXPECT_EQ (1, Value_New_In_Room (record, 6));
+    Value_Record_Free (record);
+    EXPECT_EQ (before, Memory_Live ());
+}
+
+TEST (Value, ARecordWithoutRoomIsFreedWithItsValue) {
+    long       before = Memory_Live ();
+    Attribute *record = With_Room (0, "ABCD");
+    EXPECT_EQ (nullptr, record->data);
+    ASSERT_EQ (1, Value_New (nullptr, HERE ("record", 4, 1), record, 4));
+    EXPECT_EQ (before + 2, Memory_Live ());
+    Value_Record_Free (record);
+    EXPECT_EQ (before, Memory_Live ());
+}
+
+TEST (Value, AFailedRecordIsNotReported) {
+    Log_Recorder log;
+    Attribute    fields = {};
+    Memory_Fail_At (1);
+    EXPECT_EQ (nullptr, Value_Record_New (&fields, 4));
+    EXPECT_EQ (0u, log.lines.size ());
+}
+
+TEST (Value, AValueInTheRoomOutlivesItsRecord) {
+    long       before = Memory_Live ();
+    Attribute *record = With_Room (4, "ABCD");
+    Attribute  b      = {};
+    b.length          = 4;
+    Value_Share (&b, record);
+    EXPECT_EQ (record->data, b.data);
+    Value_Record_Free (record);
+    EXPECT_EQ ("ABCD", Value (&b));
+    EXPECT_EQ (before + 1, Memory_Live ());
+    uint8_t *bytes = b.data;
+    EXPECT_EQ (1, Value_Unshare (nullptr, HERE ("b", 4, 1), &b)); // the only one by now
+    EXPECT_EQ (bytes, b.data);
+    Value_Release (&b);
+    EXPECT_EQ (before, Memory_Live ());
+}
+
+TEST (Value, AWriterOfAValueInTheRoomUnshares) {
+    long       before = Memory_Live ();
+    Attribute *record = With_Room (4, "ABCD");
+    uint8_t   *bytes  = record->data;
+    Attribute  b      = {};
+    b.length          = 4;
+    EXPECT_EQ (1, Value_Unshare (nullptr, HERE ("record", 4, 1), record));
+    EXPECT_EQ (bytes, record->data);
+    Value_Share (&b, record);
+    ASSERT_EQ (1, Value_Unshare (nullptr, HERE ("record", 4, 1), record));
+    record->data[0] = 'X';
+    EXPECT_EQ ("ABCD", Value (&b));
+    EXPECT_EQ ("XBCD", Value (record));
+    EXPECT_EQ (0, Value_New_In_Room (record, 4)); // b has it
+    Value_Record_Free (record);
+    EXPECT_EQ ("ABCD", Value (&b));
+    Value_Release (&b);
+    EXPECT_EQ (before, Memory_Live ());
+}
+
+TEST (Value, AValueIsResizedInItsRoomAndLeavesItWhenItIsTooLong) {
+    long       before = Memory_Live ();
+    Attribute *record = With_Room (4, "ABC");
+    uint8_t   *bytes  = record->data;
+    ASSERT_EQ (1, Value_Resize (nullptr, HERE ("record", 4, 1), record, 4));
+    EXPECT_EQ (bytes, record->data);
+    ASSERT_EQ (1, Value_Resize (nullptr, HERE ("record", 5, 1), record, 5));
+    EXPECT_NE (bytes, record->data);
+    memcpy (record->data + 3, "DE", 2);
+    record->length = 5;
+    EXPECT_EQ ("ABCDE", Value (record));
+    EXPECT_EQ (before + 2, Memory_Live ());
+    EXPECT_EQ (1, Value_New_In_Room (record, 4)); // free again
+    EXPECT_EQ (before + 1, Memory_Live ());
+    Value_Record_Free (record);
+    EXPECT_EQ (before, Memory_Live ());
 }

@@ -15,6 +15,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <functional>
 #include <set>
@@ -761,4 +762,21 @@ TEST (PosixSystem, ThereIsNoRegistry) {
     EXPECT_EQ (System_Registry_Open (System_Registry_Root (), "SOFTWARE", &key), static_cast<unsigned> (ENOENT));
     EXPECT_NE (System_Registry_Close (key), 0u);
     EXPECT_EQ (System_Registry_Read (key, "Path", text, sizeof text), static_cast<unsigned> (ENOENT));
+}
+
+// --- memory ----------------------------------------------------------------
+
+TEST (PosixSystem, PagesStandAtMultiplesOfTheirSizeAndAreZero) {
+    static const size_t SIZE = 2 * 1024 * 1024;
+
+    char *pages[5];
+    for (char *&one : pages) {
+        one = static_cast<char *> (System_Pages_Take (SIZE));
+        ASSERT_NE (one, nullptr);
+        EXPECT_EQ ((uintptr_t)one % SIZE, 0u);
+        EXPECT_EQ (std::count (one, one + SIZE, 0), (ptrdiff_t)SIZE);
+        memset (one, 1, SIZE);
+    }
+    for (char *one : pages) System_Pages_Return (one, SIZE);
+    EXPECT_EQ (System_Pages_Take ((size_t)1 << 60), nullptr);
 }

@@ -112,6 +112,29 @@ TEST_F (Memory, BlocksOfAnySizeKeepTheirBytesWhileOthersComeAndGo) {
     EXPECT_EQ (Memory_Live (), live);
 }
 
+// So many that whole chunks are taken from the system and given back, in three orders.
+TEST_F (Memory, ManyBlocksKeepTheirBytesInWhateverOrderTheyGo) {
+    static const size_t COUNT = 70001; // Prime, so that steps of any width come by every block.
+
+    for (size_t width : {size_t (1), COUNT - 1, size_t (4099)}) {
+        std::vector<Sized> blocks (COUNT, Sized {nullptr, 0, 0});
+        for (size_t i = 0; i < COUNT; i++) {
+            blocks[i].mark  = static_cast<unsigned char> (i);
+            blocks[i].size  = i * 7 % 300;
+            blocks[i].bytes = static_cast<unsigned char *> (Memory_Try (blocks[i].size));
+            ASSERT_NE (blocks[i].bytes, nullptr);
+            blocks[i].Fill ();
+        }
+        size_t wrong = 0;
+        for (size_t i = 0, at = 0; i < COUNT; i++, at = (at + width) % COUNT) {
+            wrong += !blocks[at].Is_Whole ();
+            Memory_Free (blocks[at].bytes);
+        }
+        EXPECT_EQ (wrong, 0u) << width;
+        EXPECT_EQ (Memory_Live (), live) << width;
+    }
+}
+
 TEST_F (Memory, MoreBytesThanThereCanBeAreRefused) {
     for (volatile size_t less : {0, 1, 7, 15}) {
         char *old = Memory_Strdup (nullptr, HERE ("old", 1, 1), "kept");

@@ -281,21 +281,23 @@ TEST (LogUnderFire, ALinkInPlaceOfTheDefaultDirectoryIsRefused) {
 }
 
 TEST (LogUnderFire, AnotherUsersDirectoryIsRefused) {
-    auto mine = [] (const std::string &plain) {
-        if (geteuid ()) return;
-        EXPECT_EQ (0, mkdir (plain.c_str (), 0777));
-        EXPECT_EQ (0, chmod (plain.c_str (), 0777));
-    };
-    With_Program (
-        [] (User_Runs &runs, const std::string &plain) {
-            EXPECT_EQ (0, System_Private_Directory_Make ("/usr")); // The superuser's, whoever runs the test.
-            EXPECT_STREQ ("[ERROR_PRIVILEGE_NOT_HELD]", System_Error_Name (System_Last_Error ()));
-            if (!std::filesystem::exists (plain)) return;
-            runs.Run ("");
-            runs.Expect_Box (plain + "/");
-            EXPECT_TRUE (std::filesystem::is_empty (plain));
-        },
-        mine);
+    for (mode_t mode : {0777, 0700}) {
+        auto mine = [mode] (const std::string &plain) {
+            if (geteuid ()) return;
+            EXPECT_EQ (0, mkdir (plain.c_str (), 0777));
+            EXPECT_EQ (0, chmod (plain.c_str (), mode));
+        };
+        With_Program (
+            [mode] (User_Runs &runs, const std::string &plain) {
+                EXPECT_EQ (0, System_Private_Directory_Make ("/usr")); // The superuser's, whoever runs the test.
+                EXPECT_STREQ ("[ERROR_PRIVILEGE_NOT_HELD]", System_Error_Name (System_Last_Error ()));
+                if (!std::filesystem::exists (plain)) return;
+                runs.Run ("");
+                runs.Expect_Box (plain + "/");
+                EXPECT_TRUE (mode == 0700 || std::filesystem::is_empty (plain));
+            },
+            mine);
+    }
 }
 
 TEST (LogUnderFire, AnOpenDefaultDirectoryIsClosedToOthers) {

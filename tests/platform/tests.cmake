@@ -2,7 +2,7 @@
 
 if (WIN32)
     tagwright_test (platform
-        drawing_test.cpp win32_child.cpp win32_drawing_test.cpp win32_drop.cpp win32_program.cpp win32_program_test.cpp
+        drawing_test.cpp win32_child.cpp win32_drawing_test.cpp win32_drop.cpp win32_log_test.cpp win32_program.cpp win32_program_test.cpp
         win32_registry_test.cpp win32_scenes_test.cpp win32_system_test.cpp win32_window_test.cpp ../support/program.cpp)
     target_link_libraries (platform_test PRIVATE gdiplus) # Decodes golden pictures.
     add_dependencies (platform_test tagwright)

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "attribute/NEMA_Tag_Attribute.h"
 #include "compare/comparison_run.h"
 #include "compare/file_reader.h"
@@ -75,6 +77,12 @@ Feed::~Feed () { Forget (); }
 
 std::string Feed::Write (const std::vector<unsigned char> &bytes) {
     return tables.directory.Write ("hostile.dcm", bytes);
+}
+
+std::string Feed::Sparse (const std::string &name, const Stream &stream, uintmax_t size) {
+    std::string path = tables.directory.Write (name, stream.bytes);
+    std::filesystem::resize_file (path, size);
+    return path;
 }
 
 // --- alone -----------------------------------------------------------------
@@ -205,4 +213,45 @@ int Feed::Comparisons (const std::string &name, int attributes) {
 void Feed::All (const std::vector<unsigned char> &bytes) {
     Elements (bytes);
     Comparisons (Write (bytes), Expect (bytes).Attributes ());
+}
+
+// --- refused ---------------------------------------------------------------
+
+// As much of a name as every message has room for.
+static std::string Shown (const std::string &name) { return name.substr (0, 10000); }
+
+static void Expect_Not_Opened (const Settings *settings, const std::string &name, const std::string &reason) {
+    Log_Recorder   log;
+    SequenceCursor cursor = {};
+    cursor.settings       = settings;
+    EXPECT_EQ (nullptr, File_Read_Elements (nullptr, &cursor, name.c_str ()));
+    EXPECT_EQ (3, log.Count (LOG_WARNING)) << log.All ();
+    EXPECT_TRUE (log.Contains ("ERROR: Unable to open file")) << log.All ();
+    EXPECT_TRUE (log.Contains (reason)) << log.All ();
+    EXPECT_TRUE (log.Contains (Clean ("file: (" + Shown (name)))) << log.All ();
+}
+
+void Feed::Refused (const std::string &name, const std::string &reason) {
+    SCOPED_TRACE (name.substr (0, 100));
+    Expect_Not_Opened (&settings, name, reason);
+    for (int batch = 0; batch < 2; batch++) {
+        EXPECT_EQ (GOOD_ATTRIBUTES, Run (name, good, batch).count);
+        EXPECT_EQ (GOOD_ATTRIBUTES, Run (good, name, batch).count);
+        EXPECT_EQ (0, Run (name, name, batch).count);
+    }
+    EXPECT_EQ (0, Run (name, "", 0).count);
+}
+
+void Feed::Missing (const std::string &name) {
+    SCOPED_TRACE (name.substr (0, 100));
+    Expect_Not_Opened (&settings, name, "");
+    EXPECT_EQ (GOOD_ATTRIBUTES, Run (name, good, 0).count);
+    EXPECT_EQ (GOOD_ATTRIBUTES, Run (good, name, 0).count);
+    EXPECT_EQ (0, Run (name, "", 0).count);
+    for (const std::string &other : {good, name}) {
+        Log_Recorder log;
+        EXPECT_EQ (COMPARISON_FAILED, Comparison_Start (nullptr, &settings, name.c_str (), other.c_str (), 1));
+        EXPECT_EQ (1, log.Count (LOG_AUDIT, Clean ("ERROR: Unable to open file: " + Shown (name)))) << log.All ();
+        EXPECT_EQ (0, log.Count (LOG_REPORT, "Reading: ")) << log.All ();
+    }
 }

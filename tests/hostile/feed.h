@@ -16,6 +16,8 @@ static const Stream_Syntax HOSTILE_SYNTAXES[] = {EXPLICIT_LITTLE, IMPLICIT_LITTL
 // another, encapsulated pixel data, padding.
 Stream Everything (Stream_Syntax syntax);
 
+static const int GOOD_ATTRIBUTES = 16; // At all depths of it.
+
 // What a run said and gave.
 struct Run_Result {
     int         count;
@@ -34,6 +36,9 @@ struct Feed {
 
     std::string Write (const std::vector<unsigned char> &bytes); // Under the same name each time.
 
+    // A file of this size that begins with the stream; the rest are zeros that take no room.
+    std::string Sparse (const std::string &name, const Stream &stream, uintmax_t size);
+
     // The elements of these bytes are what expected.h says, and so is every warning about them.
     void Elements (const std::vector<unsigned char> &bytes);
 
@@ -41,6 +46,11 @@ struct Feed {
     // orders and both modes find the same, and alone every attribute counts. Every count is told. The count against the
     // good file.
     int Comparisons (const std::string &name, int attributes);
+
+    // What can't be opened is said with a reason, and everything of the other side is absent.
+    void Refused (const std::string &name, const std::string &reason);
+    // The same of a name that nothing has: then batch mode compares nothing.
+    void Missing (const std::string &name);
 
     void All (const std::vector<unsigned char> &bytes); // Both.
 

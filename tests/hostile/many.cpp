@@ -39,3 +39,13 @@ Stream Elements_In (Order order, int count) {
     }
     return stream;
 }
+
+Stream Filled_To (uint32_t size) {
+    Stream stream = Stream_Begin_File (EXPLICIT_LITTLE);
+    Stream_Add_Text (&stream, 0x0010, 0x0010, "PN", "Doe");
+    uint32_t start = static_cast<uint32_t> (stream.bytes.size ());
+    Stream_Add_Header (&stream, 0x5400, 0x0100, "SQ", size - start - 12);
+    Stream_Add_Header (&stream, 0xFFFE, 0xE000, "", size - start - 20);
+    Stream_Add_Header (&stream, 0x5400, 0x1010, "OB", size - start - 32);
+    return stream;
+}

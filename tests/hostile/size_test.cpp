@@ -48,8 +48,6 @@ static void Expect_Linear_Runs (Feed *feed, const std::function<Stream (int)> &m
 
 // --- nesting ---------------------------------------------------------------
 
-static const int DEEP = 10000;
-
 TEST (HostileSize, TenThousandNestedSequences) {
     Feed feed;
     for (bool defined_length : {true, false}) {

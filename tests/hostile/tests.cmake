@@ -1,4 +1,13 @@
 # Files that nobody should have written, fed to everything that reads files.
-tagwright_test (hostile
+set (hostile_tests
     expected.cpp feed.cpp many.cpp
-    lengths_test.cpp size_test.cpp structure_test.cpp values_test.cpp)
+    lengths_test.cpp size_test.cpp sources_test.cpp sparse_test.cpp structure_test.cpp values_test.cpp
+    window_test.cpp ../app/whole_window.cpp)
+if (NOT WIN32)
+    list (APPEND hostile_tests posix_sources_test.cpp ../platform/posix_process.cpp ../support/program.cpp)
+endif ()
+if (NOT WIN32 AND NOT TAGWRIGHT_SANITIZE) # Whose memory is another one.
+    list (APPEND hostile_tests posix_memory_test.cpp)
+endif ()
+tagwright_test (hostile ${hostile_tests})
+add_dependencies (hostile_test tagwright)

@@ -25,19 +25,10 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/platform/posix_process.h"
 #include "tests/support/temporary.h"
 #include "util/error_text.h"
 #include "util/file.h"
-
-// The exit status of what runs in a process of its own.
-static int In_Child (const std::function<int ()> &what) {
-    fflush (stdout);
-    pid_t child = fork ();
-    if (!child) _exit (what ());
-    int status = -1;
-    waitpid (child, &status, 0);
-    return WIFEXITED (status) ? WEXITSTATUS (status) : -1;
-}
 
 static mode_t Mode (const std::string &path) {
     struct stat facts;

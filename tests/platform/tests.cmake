@@ -8,7 +8,8 @@ if (WIN32)
     add_dependencies (platform_test tagwright)
 else ()
     tagwright_test (platform
-        drawing_test.cpp plain_user.cpp posix_log_fire_test.cpp posix_log_test.cpp posix_picture_test.cpp posix_system_test.cpp posix_window_test.cpp
+        drawing_test.cpp plain_user.cpp posix_log_fire_test.cpp posix_log_test.cpp posix_picture_test.cpp
+        posix_process.cpp posix_system_test.cpp posix_window_test.cpp
         sdl_drawing_test.cpp sdl_window_test.cpp ../support/program.cpp)
     add_executable (platform_child platform/posix_child.cpp)
     target_link_libraries (platform_child PRIVATE tagwright_options tagwright_platform)

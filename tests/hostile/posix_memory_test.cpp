@@ -65,7 +65,7 @@ TEST (HostileMemory, ManyValuesTakeLessThanThreeTimesTheirFile) {
 }
 
 TEST (HostileMemory, NestedSequencesTakeLessThanThreeTimesTheirFile) {
-    Expect_Thrice ("nested", Nested_Sequences (5 * DEEP, true), 5 * DEEP + 3);
+    Expect_Thrice ("nested", Nested_Sequences (6 * DEEP, true), 6 * DEEP + 3);
 }
 
 // An element without value has 8 bytes in its file and is a record in memory, in the window one of the merged list and a

@@ -23,9 +23,9 @@ struct Hostile_Window {
     Bytes        first; // Pixels of the panes.
 
     Hostile_Window () : shown (800, 600, std::filesystem::current_path ().string ()) {
-        Bytes changed = Everything (EXPLICIT_LITTLE).bytes;
+        Bytes changed                = Everything (EXPLICIT_LITTLE).bytes;
         changed[changed.size () - 3] = 1; // In the padding.
-        other = feed.tables.directory.Write ("other.dcm", changed);
+        other                        = feed.tables.directory.Write ("other.dcm", changed);
         Drop ({feed.good, other});
         first = Panes ();
     }
@@ -94,9 +94,9 @@ TEST (HostileWindow, LiesAboutLengths) {
         window.Take (Bytes (whole.begin (), whole.begin () + static_cast<long> (size)));
     window.Expect_Usable ();
     for (const Expected_Element &element : Expect (whole).elements) {
-        for (unsigned char byte : {0x01, 0x7F, 0x80, 0xFF}) {
+        for (int byte : {0x01, 0x7F, 0x80, 0xFF}) {
             Bytes bytes                 = whole;
-            bytes[element.pos_data - 1] = byte;
+            bytes[element.pos_data - 1] = static_cast<unsigned char> (byte);
             window.Take (bytes);
         }
         window.Expect_Usable ();

@@ -141,9 +141,10 @@ TEST (HostileSources, FileThatShrinksUnderItsView) {
             int  count   = Comparison_Start (nullptr, &feed.settings, a.c_str (), b.c_str (), batch);
             bool missing = change.n <= 0 && !error;
             EXPECT_EQ (missing ? 1 : 0, count);
-            EXPECT_EQ (missing ? 1 : 0,
-                       Told ("WARNING: a file changed while it was read: its missing bytes count as zero\n"))
-                << change.warnings;
+            // Windows has no view of more than there is, so the value is read instead.
+            bool told = Told ("WARNING: a file changed while it was read: its missing bytes count as zero\n") ||
+                        (Is_Windows () && Told ("End of File while reading: (") && Told ("reading stopped at byte "));
+            EXPECT_EQ (missing, told) << change.warnings;
             EXPECT_EQ (0, Comparison_Start (nullptr, &feed.settings, b.c_str (), b.c_str (), batch)) << "the next run";
         }
 }
@@ -194,7 +195,7 @@ TEST (HostileSources, FileThatIsRemovedBeforeItIsRead) {
 
 TEST (HostileSources, DeviceNamesOfWindows) {
     Feed feed;
-    for (const char *name : {"NUL", "nul", "CON", "NUL.dcm", "\\\\.\\NUL"}) {
+    for (const char *name : {"NUL", "nul", "CON", "NUL.dcm"}) {
         if (Is_Windows ()) feed.Refused (name, "ERROR: Unable to open file");
         else feed.Missing (name);
     }

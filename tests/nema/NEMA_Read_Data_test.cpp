@@ -401,6 +401,33 @@ TEST (NemaReadData, WhatIsMissingIsReportedAlsoWhenThePositionIsUnknown) {
     EXPECT_EQ (opened.Position (), 0) << "nobody knows where the end would be";
 }
 
+TEST_P (NemaReadDataFrom, ViewIsOfBytesAtHandOnly) {
+    Opened_Source opened (GetParam (), Hex ("01 02 03"));
+    uint8_t       byte;
+    ASSERT_EQ (NEMA_Read_Bytes (nullptr, &opened.source, 0, 1, &byte), 1); // Into the buffer, if there is one.
+    ASSERT_NE (NEMA_View (&opened.source, 2), nullptr);
+    EXPECT_EQ (NEMA_View (&opened.source, 2)[1], 3);
+    EXPECT_EQ (NEMA_View (&opened.source, 3), nullptr);
+    EXPECT_EQ (opened.Position (), 1);
+    NEMA_Advance (&opened.source, 2);
+    EXPECT_EQ (opened.Position (), 3);
+    EXPECT_EQ (NEMA_View (&opened.source, 1), nullptr);
+    EXPECT_EQ (NEMA_Seek (&opened.source, 1000), 1);
+    EXPECT_EQ (NEMA_View (&opened.source, 1), nullptr) << "behind the end";
+    EXPECT_EQ (log.All (), "");
+}
+
+TEST (NemaReadData, NothingOfAClosedFileOrNoMemoryIsAtHand) {
+    Opened_Source closed (NEMA_FILE, Hex ("01 02 03"));
+    File_Fail_At (FILE_SEEK, 1, ERROR_CODE);
+    ASSERT_EQ (NEMA_Move (nullptr, &closed.source, 1, "m", 1), 0);
+    EXPECT_EQ (NEMA_View (&closed.source, 1), nullptr);
+    NEMA_Source none = {};
+    none.kind        = NEMA_MEMORY;
+    none.size        = 3;
+    EXPECT_EQ (NEMA_View (&none, 1), nullptr);
+}
+
 // --- position --------------------------------------------------------------
 
 TEST_P (NemaReadDataFrom, MovesAndTells) {

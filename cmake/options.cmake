@@ -26,13 +26,14 @@ if (TAGWRIGHT_FUZZ)
     add_compile_options (-fsanitize=fuzzer-no-link)
 endif ()
 
-# The program's own code counts what runs of it, for scripts/coverage.sh. The counters are the mapped file itself (%c), one
-# file for each program (%m), so that a process counts also when it is forked, killed, or started without an environment.
-# The module that draws names functions as the program does, and so has files of its own.
+# What runs is counted for scripts/coverage.sh, the tests' code too: of an inline function that both use, the linker takes the
+# copy of one. The counters are the mapped file itself (%c), one file for each program (%m), so that a process counts also
+# when it is forked, killed, or started without an environment. The module that draws names functions as the program does,
+# and so has files of its own.
 if (TAGWRIGHT_COVERAGE)
     set (module $<STREQUAL:$<TARGET_PROPERTY:TYPE>,MODULE_LIBRARY>)
     set (profile -fprofile-instr-generate=${PROJECT_BINARY_DIR}/profiles/$<${module}:module->%m%c.profraw)
-    target_compile_options (tagwright_program_options INTERFACE
+    target_compile_options (tagwright_options INTERFACE
         ${profile} -fcoverage-mapping "SHELL:-mllvm -runtime-counter-relocation")
     add_link_options (${profile})
 endif ()

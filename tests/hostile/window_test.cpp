@@ -90,11 +90,11 @@ struct Hostile_Window {
 TEST (HostileWindow, LiesAboutLengths) {
     Hostile_Window window;
     Bytes          whole = Everything (EXPLICIT_LITTLE).bytes;
-    for (size_t size = 0; size < whole.size (); size += 13)
+    for (size_t size = 0; size < whole.size (); size += 41)
         window.Take (Bytes (whole.begin (), whole.begin () + static_cast<long> (size)));
     window.Expect_Usable ();
     for (const Expected_Element &element : Expect (whole).elements) {
-        for (int byte : {0x01, 0x7F, 0x80, 0xFF}) {
+        for (int byte : {0x01, 0x80}) {
             Bytes bytes                 = whole;
             bytes[element.pos_data - 1] = static_cast<unsigned char> (byte);
             window.Take (bytes);

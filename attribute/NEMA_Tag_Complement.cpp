@@ -79,9 +79,11 @@ static void Describe_Group_Length (Window window, Attribute *attribute) {
 
 // The creators of a list in a table with open addressing. Without a table (slots none) the list is searched.
 struct Creators {
-    Attribute  *first; // The top list, borrowed; none when it holds no creator.
-    Attribute **slots; // Owned; an empty one is none. At least half of them are.
-    uint32_t    mask;  // Number of slots - 1.
+    Attribute       *first; // The top list, borrowed; none when it holds no creator.
+    Attribute      **slots; // Owned; an empty one is none. At least half of them are.
+    uint32_t         mask;  // Number of slots - 1.
+    const Attribute *named; // The one whose name stands in name, or none.
+    char             name[CREATOR_NAME_LENGTH + 1];
 };
 
 static int Is_Creator (const Attribute *attribute) {
@@ -103,7 +105,7 @@ static void Creators_Gather (Window window, Creators *creators, Attribute *first
     for (Attribute *record = first; record; record = record->next) count += Is_Creator (record);
     while (size < 2 * count) size *= 2;
 
-    *creators = {count ? first : nullptr, nullptr, static_cast<uint32_t> (size - 1)};
+    *creators = {count ? first : nullptr, nullptr, static_cast<uint32_t> (size - 1), nullptr, ""};
     if (!count) return;
     creators->slots = static_cast<Attribute **> (
         Memory_Calloc (window, HERE ("creators->slots", size, 8), size * sizeof (Attribute *)));
@@ -131,23 +133,22 @@ static void Creator_Name (const Attribute *creator, char *name) {
 }
 
 // An attribute that its creator's table doesn't describe is called by the creator's name.
-static void Complement_Private (Window window, const Settings *settings, const Creators *creators,
-                                Attribute *attribute) {
+static void Complement_Private (Window window, const Settings *settings, Creators *creators, Attribute *attribute) {
     if (Is_Creator (attribute)) {
         Describe (window, attribute, VR_LO, "Private Creator Data Element");
     } else if (attribute->element >= PRIVATE_FIRST) {
         uint16_t         block   = static_cast<uint16_t> (attribute->element >> 8);
         const Attribute *creator = Creator_Find (window, creators, attribute->group, block);
-        char             name[CREATOR_NAME_LENGTH + 1];
         if (!creator) return;
-        Creator_Name (creator, name);
-        if (DICOM_Module_Read_Private (window, settings, name, attribute) > 0) return;
-        Describe (window, attribute, 0, name);
+        if (creator != creators->named) Creator_Name (creator, creators->name);
+        creators->named = creator;
+        if (DICOM_Module_Read_Private (window, settings, creators->name, attribute) > 0) return;
+        Describe (window, attribute, 0, creators->name);
     }
 }
 
 int DICOM_Attribute_Complement_Private (Window window, SequenceCursor *cursor, Attribute *first, Attribute *attribute) {
-    Creators creators = {first, nullptr, 0};
+    Creators creators = {first, nullptr, 0, nullptr, ""};
     Complement_Private (window, cursor->settings, &creators, attribute);
     return 1;
 }
@@ -212,7 +213,7 @@ static void Look_Up (Window window, Attribute *attribute) {
 }
 
 // A later rule replaces what an earlier one said.
-static void Complement_One (Window window, const Settings *settings, const Creators *creators, Attribute *attribute) {
+static void Complement_One (Window window, const Settings *settings, Creators *creators, Attribute *attribute) {
     uint16_t group      = attribute->group;
     int      is_private = attribute->flags & PRIVATE;
 
@@ -225,9 +226,9 @@ static void Complement_One (Window window, const Settings *settings, const Creat
     if (group == GROUP_DELIMITER) Describe_Structure (window, attribute);
 }
 
-static void Complement_List (Window window, SequenceCursor *cursor, const Creators *creators, Attribute *list);
+static void Complement_List (Window window, SequenceCursor *cursor, Creators *creators, Attribute *list);
 
-static void Complement_Items (Window window, SequenceCursor *cursor, const Creators *creators, Attribute *attribute) {
+static void Complement_Items (Window window, SequenceCursor *cursor, Creators *creators, Attribute *attribute) {
     DICOM_Attribute_Sequence_Start (window, cursor, attribute->group, attribute->element, attribute->flags, LOG_TRACE5);
     for (int32_t i = 0; i < attribute->nb_item && attribute->item[i]; i++) {
         DICOM_Attribute_Item_Start (window, cursor, LOG_TRACE5);
@@ -237,7 +238,7 @@ static void Complement_Items (Window window, SequenceCursor *cursor, const Creat
     DICOM_Attribute_Sequence_Stop (window, cursor, LOG_TRACE5);
 }
 
-static void Complement_List (Window window, SequenceCursor *cursor, const Creators *creators, Attribute *list) {
+static void Complement_List (Window window, SequenceCursor *cursor, Creators *creators, Attribute *list) {
     Log_Message (window, LOG_TRACE4, "in DICOM_Attribute_Complement()");
     for (Attribute *record = list; record; record = record->next) {
         Log_Message (window, LOG_TRACE5, "DICOM_Attribute_Complement (%04x,%04x)", record->group, record->element);

@@ -413,7 +413,8 @@ int DICOM_Attribute_Cleanup_Tag (Window window, const Settings *settings, Attrib
 // --- the walk --------------------------------------------------------------
 
 static void Clean_Attribute (Window window, SequenceCursor *cursor, Attribute *attribute) {
-    DICOM_Attribute_Cleanup_Swab (window, attribute);
+    if ((attribute->mode & MODE_BIG_ENDIAN) || Log_Is_Read (LOG_TRACE5))
+        DICOM_Attribute_Cleanup_Swab (window, attribute);
     if (!Syntax_Glance (window, cursor->settings, attribute))
         DICOM_Attribute_Cleanup_Tag (window, cursor->settings, attribute);
 }

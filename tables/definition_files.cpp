@@ -264,7 +264,7 @@ static void Count_Open (Table *table, const Attribute *tag) {
 
 static List_Cache_Name Include_Name[DEFINITION_INCLUDES];
 static Attribute      *Include_List[DEFINITION_INCLUDES];
-static List_Cache      Include = {Include_Name, Include_List, 0, {}};
+static List_Cache      Include = {Include_Name, Include_List, 0, 0, {}};
 
 // A table that waits for another one keeps no file open, unless it is its caller's.
 static void Table_Pause (Table *table) {

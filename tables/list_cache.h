@@ -16,6 +16,7 @@ struct List_Cache {
     List_Cache_Name *names;
     Attribute      **lists; // Owned lists; an entry may be none.
     int32_t          count;
+    int32_t          recent;                      // The name found last + 1, which is mostly asked for again; 0 for none.
     int32_t          buckets[LIST_CACHE_BUCKETS]; // The newest name of each + 1, 0 for none.
 };
 

@@ -361,8 +361,8 @@ int64_t System_File_Read (System_File *file, int64_t position, void *destination
         ssize_t got  = pread (file->descriptor, bytes + done, part, position + (int64_t)done);
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) return -1;
-        if (!got) break;
         done += (size_t)got;
+        if (!got || ((size_t)got < part && position + (int64_t)done == file->size)) break; // At the end, as it was.
     }
     return (int64_t)done;
 }

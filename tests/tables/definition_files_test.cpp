@@ -612,8 +612,11 @@ TEST (DefinitionInclude, GetWithoutMemoryGivesNone) {
         Memory_Fail_At (0);
         bool       missing = log.Count (LOG_WARNING) > 0; // A file that isn't opened is only warned about.
         EXPECT_EQ (failed, log.Count (LOG_ERROR)) << n;
-        if (!failed) EXPECT_EQ ("(0010,0020) (0010,0022)", Outline (macro));
-        else if (!missing) EXPECT_EQ (nullptr, macro) << n;
+        if (!failed) {
+            EXPECT_EQ ("(0010,0020) (0010,0022)", Outline (macro));
+        } else if (!missing) {
+            EXPECT_EQ (nullptr, macro) << n;
+        }
         DICOM_Module_Include_Free (nullptr);
         EXPECT_EQ (live, Memory_Live ()) << n;
         ASSERT_LT (n, 100);

@@ -36,7 +36,8 @@ scripts/install-packages.sh build release
 # What would make two builds differ: time, place, rights of files, order of names. The time is that of the commit.
 umask 022
 export LC_ALL=C.UTF-8 TZ=UTC
-SOURCE_DATE_EPOCH=$(git log -1 --format=%ct)
+commit=$(git rev-parse HEAD)
+SOURCE_DATE_EPOCH=$(git log -1 --format=%ct "$commit")
 export SOURCE_DATE_EPOCH
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -75,7 +76,7 @@ pack_installer () { # staged folder, source, file
 make_all () { # folder
   local source=$1/source output=$1/dist
   mkdir -p "$source" "$output"
-  git archive --format=tar HEAD | tar --extract --directory "$source"
+  git archive --format=tar "$commit" | tar --extract --directory "$source"
   quietly "Linux: build" configure_and_build "$source" release
   quietly "Windows: build" configure_and_build "$source" release-windows
   . "$source/build/release/packaging/version.sh"

@@ -12,6 +12,7 @@ memory of a small process is that of this script, from which it begins.
 """
 import os
 import shutil
+import signal
 import statistics
 import sys
 import time
@@ -19,6 +20,7 @@ import time
 NULL = os.open(os.devnull, os.O_RDWR)
 PEER_PAIRS = 20    # Of the many small ones: peers start a process for each pair.
 TRACE_ROUNDS = 3
+TRACE_SECONDS = 10    # After which a trace is ended; the lines written until then are complete.
 TRACE_TARGET = 200000    # Lines a second of processor time.
 
 # name, kind and number for make_pairs, the target, the pairs
@@ -33,6 +35,18 @@ PAIRS = [
 ]
 
 
+def wait(process, end):
+    """For a process, which is killed when it hasn't ended by then. What it has used."""
+    while True:
+        ended, _, usage = os.wait4(process, os.WNOHANG)
+        if ended:
+            return usage
+        if time.perf_counter() >= end:
+            os.kill(process, signal.SIGKILL)
+            return os.wait4(process, 0)[2]
+        time.sleep(0.02)
+
+
 class Run:
     """What one command or several of them cost together."""
 
@@ -40,11 +54,11 @@ class Run:
         self.clock = self.processor = 0.0
         self.kib = 0
 
-    def add(self, command, output=NULL, environment=os.environ):
+    def add(self, command, output=NULL, environment=os.environ, limit=None):
         start = time.perf_counter()
         actions = [(os.POSIX_SPAWN_DUP2, output, 1), (os.POSIX_SPAWN_DUP2, NULL, 2)]
         process = os.posix_spawn(command[0], command, environment, file_actions=actions)
-        usage = os.wait4(process, 0)[2]
+        usage = wait(process, start + limit) if limit else os.wait4(process, 0)[2]
         self.clock += time.perf_counter() - start
         self.processor += usage.ru_utime + usage.ru_stime
         self.kib = max(self.kib, usage.ru_maxrss)
@@ -135,7 +149,9 @@ def measure(program, tools, folder, stems, stem, rounds, with_peers):
 
 
 def trace(program, make_pairs, folder):
-    """Lines a second of a trace at level 5, which goes to a file and to the console, here nowhere."""
+    """Lines a second of a trace at level 5, which goes to a file and to the console, here nowhere.
+
+    The whole trace has several million lines, so it is ended after a while."""
     stem = make(make_pairs, folder, "frames", 2000)[0]
     user, logs = os.path.abspath(file(folder, "trace_user")), os.path.abspath(file(folder, "trace_logs"))
     settings = os.path.join(user, "Kestrelbay", "Tagwright.ini")
@@ -146,7 +162,7 @@ def trace(program, make_pairs, folder):
     for _ in range(TRACE_ROUNDS):
         shutil.rmtree(logs, ignore_errors=True)
         command = [program, "-t", "5", stem + "_a.dcm", stem + "_b.dcm"]
-        run = Run().add(command, NULL, {**os.environ, "APPDATA": user})
+        run = Run().add(command, NULL, {**os.environ, "APPDATA": user}, TRACE_SECONDS)
         with open(os.path.join(logs, "Tagwright_trace.dat"), "rb") as lines:
             count = sum(1 for _ in lines)
         clock.append(count / run.clock)

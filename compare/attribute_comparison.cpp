@@ -38,11 +38,18 @@ static void Add_Characters (char *text, size_t size, size_t *used, const Attribu
 }
 
 static void Add_Bytes (char *text, size_t size, size_t *used, const Attribute *attribute, int unit) {
-    for (int i = 0; attribute->data && i < attribute->length && i < BYTES_SHOWN; i++) {
-        bool ends_unit = i % unit == unit - 1 || i == attribute->length - 1;
-        Text_Append (text, size, used, ends_unit ? "%02X " : "%02X", attribute->data[i]);
+    static const char DIGITS[] = "0123456789ABCDEF";
+
+    char  shown[3 * BYTES_SHOWN + 1]; // Formatting each byte would cost more than all else about a short difference.
+    char *end   = shown;
+    int   count = attribute->length < BYTES_SHOWN ? attribute->length : BYTES_SHOWN;
+    for (int i = 0; attribute->data && i < count; i++) {
+        *end++ = DIGITS[attribute->data[i] >> 4];
+        *end++ = DIGITS[attribute->data[i] & 15];
+        if (i % unit == unit - 1 || i == attribute->length - 1) *end++ = ' ';
     }
-    if (attribute->length > BYTES_SHOWN) Text_Append (text, size, used, "...");
+    *end = 0;
+    Text_Append (text, size, used, "%s%s", shown, attribute->length > BYTES_SHOWN ? "..." : "");
 }
 
 // The attribute with no more values of size bytes than decide about its text; a long table isn't decoded as a whole. The
@@ -154,9 +161,17 @@ struct Difference {
     int32_t  quantity_b;
 };
 
+// The sum of as many as a byte can hold is a byte, so that the compiler takes as many positions at once as it can.
 static int32_t Count_Positions (const uint8_t *a, const uint8_t *b, size_t count) {
+    static const size_t PART = 240;
+
     int32_t different = 0;
-    for (size_t i = 0; i < count; i++) different += a[i] != b[i];
+    for (size_t start = 0; start < count; start += PART) {
+        size_t  end  = count - start < PART ? count : start + PART;
+        uint8_t part = 0;
+        for (size_t i = start; i < end; i++) part = static_cast<uint8_t> (part + (a[i] != b[i]));
+        different += part;
+    }
     return different;
 }
 

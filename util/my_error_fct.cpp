@@ -60,12 +60,25 @@ const char *Log_Thread_Text (int slot) { return slot >= 0 && slot < LOG_RING_SLO
 
 static int Stays (char c) { return (c >= 0x20 && c <= 0x7E) || c == '\t' || c == '\n'; }
 
-// Mostly nothing has to go, which is found out for many bytes at once.
+// 1 when each of the eight bytes is one of 0x20..0x7E: none has its highest bit, nor gets it when one is added or 0x20 is
+// taken away. Bytes that borrow from a neighbour, or carry into it, have been found by then.
+static int All_Printable (uint64_t bytes) {
+    static const uint64_t EACH = 0x0101010101010101;
+    return !((bytes | (bytes - 0x20 * EACH) | (bytes + EACH)) & 0x80 * EACH);
+}
+
+// Mostly nothing has to go, which is found out for many bytes at once; tabs and line feeds are left to the long way.
 static int All_Stay (const char *text, size_t length) {
-    uint8_t goes = 0;
-    for (size_t i = 0; i < length; i++)
-        goes |= static_cast<uint8_t> ((text[i] < 0x20 || text[i] > 0x7E) & (text[i] != '\t') & (text[i] != '\n'));
-    return !goes;
+    static const char BLANKS[] = "        ";
+    uint64_t          bytes;
+    size_t            i = 0;
+    for (; length - i >= sizeof bytes; i += sizeof bytes) {
+        memcpy (&bytes, text + i, sizeof bytes);
+        if (!All_Printable (bytes)) return 0;
+    }
+    memcpy (&bytes, BLANKS, sizeof bytes);
+    memcpy (&bytes, text + i, length - i);
+    return All_Printable (bytes);
 }
 
 void Log_Clean_Text (const char *text, char *clean, size_t size) {
@@ -359,6 +372,16 @@ static int Trace_File_Wants (const Route *route) {
     return route->trace && (level > 0 || (level < 0 && level >= route->lowest));
 }
 
+static const unsigned LIST_KINDS = 1u << LOG_WARNING | 1u << LOG_REPORT | 1u << LOG_OVER; // A bit for each.
+
+// 1 when a line of this kind, which is no trace, reaches anybody through the program's sink. Boxes, questions and the queue
+// for the window always do.
+static int Program_Reads (int kind) {
+    static const unsigned ALWAYS = 1u << LOG_ERROR | 1u << LOG_QUESTION | 1u << LOG_THREAD | 1u << LOG_ERRLOG;
+    if (Log.trace_level || (list && (LIST_KINDS >> kind & 1)) || (ALWAYS >> kind & 1)) return 1;
+    return Log.audit_mode == 1 || (Log.audit_mode == 2 && ROUTES[kind].audit == AUDIT_ALWAYS);
+}
+
 static void Audit (const Route *route, char *clean) {
     if (Log.audit_mode == 2 && route->audit == AUDIT_ALWAYS) Write_Audit (clean);
     if (Log.audit_mode != 1 || route->audit == AUDIT_NONE) return;
@@ -380,7 +403,7 @@ static void Write_Route (const Route *route, char *clean) {
 
 static void Show (Window window, int kind, const char *text) {
     if (kind == LOG_THREAD) Queue (window, text);
-    if (list && (kind == LOG_WARNING || kind == LOG_REPORT || kind == LOG_OVER)) list (window, text, kind == LOG_OVER);
+    if (list && (LIST_KINDS >> kind & 1)) list (window, text, kind == LOG_OVER);
 }
 
 int Log_Program_Sink (Window window, int kind, const char *text) {
@@ -445,6 +468,7 @@ int (Log_Message) (Window window, int kind, const char *format, ...) {
     if (!Log_Is_Read (kind)) return 1;
     int is_box = kind >= LOG_BOX_INFO && kind <= LOG_BOX_ERROR;
     if (!is_box && !Is_Line (kind) && !Is_Trace (kind)) return 1;
+    if (sink == Log_Program_Sink && Is_Line (kind) && !Program_Reads (kind)) return 1;
 
     va_list arguments;
     int     result = 1;

@@ -188,6 +188,18 @@ TEST (AttributeComparison, BytesAreCountedAcrossLongValues) {
     EXPECT_EQ (1, log.Count (LOG_AUDIT, "! (7FE0,0010)       OW (300001) 7 bytes diff"));
 }
 
+TEST (AttributeComparison, ManyDifferentBytesAreAllCounted) {
+    for (size_t length : {239u, 240u, 241u, 255u, 256u, 257u, 28000u, 70000u}) {
+        Log_Recorder log;
+        Sides        sides;
+        sides.a.Add (0x7FE0, 0x0010, "OB", "OB", std::string (length, 'x'));
+        sides.b.Add (0x7FE0, 0x0010, "OB", "OB", std::string (length, 'y'));
+        sides.Merge ();
+        EXPECT_EQ (1, sides.Diff ());
+        EXPECT_EQ (static_cast<int32_t> (length), sides.Found (0x7FE0, 0x0010)->diff_a);
+    }
+}
+
 // A view gives the memory of its pages back while it is compared, and shows the same bytes afterwards.
 TEST (AttributeComparison, BytesAreCountedAcrossLongViews) {
     static const uint32_t LENGTH = (9u << 20) + 5, SLICE = 4u << 20;

@@ -378,6 +378,20 @@ TEST_F (MyErrorFct, CleanTextKeepsPrintableTabAndLineFeed) {
     EXPECT_EQ (clean, kept);
 }
 
+TEST_F (MyErrorFct, CleanTextFindsEachByteInEachPlace) {
+    for (size_t length = 1; length < 20; length++)
+        for (size_t place = 0; place < length; place++)
+            for (int c = 1; c < 256; c++) {
+                std::string text (length, 'x'), kept (text);
+                text[place] = static_cast<char> (c);
+                if (c == 9 || c == 10 || (c >= 32 && c <= 126)) kept[place] = static_cast<char> (c);
+                else kept.erase (place, 1);
+                char clean[20];
+                Log_Clean_Text (text.c_str (), clean, sizeof clean);
+                ASSERT_EQ (clean, kept) << c << " at " << place << " of " << length;
+            }
+}
+
 TEST_F (MyErrorFct, CleanTextStaysInItsBuffer) {
     char clean[] = "~~~~";
     Log_Clean_Text ("abc", clean, 0);

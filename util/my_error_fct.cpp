@@ -67,30 +67,25 @@ static int All_Printable (uint64_t bytes) {
     return !((bytes | (bytes - 0x20 * EACH) | (bytes + EACH)) & 0x80 * EACH);
 }
 
-// Mostly nothing has to go, which is found out for many bytes at once; tabs and line feeds are left to the long way.
-static int All_Stay (const char *text, size_t length) {
-    static const char BLANKS[] = "        ";
-    uint64_t          bytes;
-    size_t            i = 0;
-    for (; length - i >= sizeof bytes; i += sizeof bytes) {
-        memcpy (&bytes, text + i, sizeof bytes);
-        if (!All_Printable (bytes)) return 0;
-    }
-    memcpy (&bytes, BLANKS, sizeof bytes);
-    memcpy (&bytes, text + i, length - i);
-    return All_Printable (bytes);
-}
-
+// Mostly nothing has to go, which is found out for eight bytes at once.
 void Log_Clean_Text (const char *text, char *clean, size_t size) {
     if (!size) return;
-    size_t length = strlen (text);
-    if (length < size && All_Stay (text, length)) {
-        memcpy (clean, text, length + 1);
-        return;
-    }
-    char *last = clean + size - 1;
-    for (; *text && clean < last; text++)
+    const char *end  = text + strlen (text);
+    char       *last = clean + size - 1;
+    uint64_t    bytes;
+    while (text < end && clean < last) {
+        if (end - text >= 8 && last - clean >= 8) {
+            memcpy (&bytes, text, sizeof bytes);
+            if (All_Printable (bytes)) {
+                memcpy (clean, &bytes, sizeof bytes);
+                text += sizeof bytes;
+                clean += sizeof bytes;
+                continue;
+            }
+        }
         if (Stays (*text)) *clean++ = *text;
+        text++;
+    }
     *clean = 0;
 }
 

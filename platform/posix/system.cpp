@@ -474,9 +474,9 @@ int System_File_Copy (const char *from, const char *to) {
 // for is asked before each line: a file that was removed, renamed, replaced or given other permissions is opened anew. Only
 // regular files are kept, since the reader of a FIFO waits for its end.
 struct Kept_File {
-    char        path[SYSTEM_PATH_SIZE];
-    int         descriptor; // -1 for none.
-    struct stat facts;      // When it was opened.
+    char         path[SYSTEM_PATH_SIZE];
+    int          descriptor; // -1 for none.
+    struct statx facts;      // When it was opened.
 };
 
 static const int       KEPT_FILES             = 3; // Trace, audit and error log.
@@ -495,9 +495,15 @@ static void Kept_Close (Kept_File *kept) {
     kept->descriptor = -1;
 }
 
-static int Is_Same_File (const struct stat *a, const struct stat *b) {
-    return a->st_dev == b->st_dev && a->st_ino == b->st_ino && a->st_mode == b->st_mode && a->st_uid == b->st_uid &&
-           a->st_gid == b->st_gid;
+// Which file it is and who may do what with it. Not its times: a system that is asked for them must give the next write a
+// time of its own, and that costs as much as the question.
+static int Identity (int directory, const char *path, int flags, struct statx *facts) {
+    return statx (directory, path, flags, STATX_TYPE | STATX_MODE | STATX_INO | STATX_UID | STATX_GID, facts);
+}
+
+static int Is_Same_File (const struct statx *a, const struct statx *b) {
+    return a->stx_dev_major == b->stx_dev_major && a->stx_dev_minor == b->stx_dev_minor && a->stx_ino == b->stx_ino &&
+           a->stx_mode == b->stx_mode && a->stx_uid == b->stx_uid && a->stx_gid == b->stx_gid;
 }
 
 // Takes over the descriptor.
@@ -505,7 +511,8 @@ static void Keep (const char *path, int descriptor) {
     Kept_File *kept = Kept_Find (path);
     if (!kept) kept = &kept_files[kept_next++ % KEPT_FILES];
     Kept_Close (kept);
-    if (strlen (path) >= sizeof kept->path || fstat (descriptor, &kept->facts) || !S_ISREG (kept->facts.st_mode)) {
+    if (strlen (path) >= sizeof kept->path || Identity (descriptor, "", AT_EMPTY_PATH, &kept->facts) ||
+        !S_ISREG (kept->facts.stx_mode)) {
         close (descriptor);
         return;
     }
@@ -567,12 +574,12 @@ int System_Append (const char *path, const void *bytes, size_t count) {
 }
 
 int System_Append_Again (const char *path, const void *bytes, size_t count) {
-    struct stat facts;
-    int         written = 0;
+    struct statx facts;
+    int          written = 0;
     pthread_mutex_lock (&kept_lock);
     Kept_File *kept = Kept_Find (path);
     if (kept) {
-        if (!stat (path, &facts) && Is_Same_File (&facts, &kept->facts))
+        if (!Identity (AT_FDCWD, path, 0, &facts) && Is_Same_File (&facts, &kept->facts))
             written = Append (kept->descriptor, static_cast<const char *> (bytes), count);
         else Kept_Close (kept);
     }

@@ -21,7 +21,7 @@ static const size_t LINE_SIZE      = CONFIGURATION_LINE_LENGTH + 2 + 1; // With 
 static const size_t FILE_NAME_SIZE = SYSTEM_PATH_SIZE + 64;
 static const int    NO_BYTE        = -1;
 
-struct Reading {
+struct Configuration_Reading {
     File *file;   // Owned.
     int   number; // Of the current line, from 1.
     int   held;   // A byte that was read too early, or NO_BYTE.
@@ -30,7 +30,7 @@ struct Reading {
 
 // --- lines -----------------------------------------------------------------
 
-static int Next_Byte (Reading *reading) {
+static int Next_Byte (Configuration_Reading *reading) {
     File   *file = reading->file;
     uint8_t byte;
     if (reading->held != NO_BYTE) {
@@ -46,7 +46,7 @@ static int Next_Byte (Reading *reading) {
 }
 
 // The next character; the end of a line is a line feed, also where a carriage return stands before it.
-static int Next_Character (Reading *reading) {
+static int Next_Character (Configuration_Reading *reading) {
     int byte = Next_Byte (reading);
     if (byte != '\r') return byte;
     int behind = Next_Byte (reading);
@@ -56,7 +56,7 @@ static int Next_Character (Reading *reading) {
 }
 
 // 1, or 0 at the end. What a line has too much is the next line; as a text it ends at its first zero byte.
-static int Read_Line (Reading *reading, char *line) {
+static int Read_Line (Configuration_Reading *reading, char *line) {
     int length = 0, character = 0;
     while (length < CONFIGURATION_LINE_LENGTH && character != '\n') {
         character = Next_Character (reading);
@@ -223,7 +223,7 @@ static Outcome Apply (const char *command, char *value) {
 // --- the file --------------------------------------------------------------
 
 // 1, or 0 when memory ran out.
-static int Apply_Line (const Reading *reading, const char *file_name, const char *line) {
+static int Apply_Line (const Configuration_Reading *reading, const char *file_name, const char *line) {
     char words[LINE_SIZE];
     memcpy (words, line, strlen (line) + 1);
     char       *place   = words;
@@ -244,7 +244,7 @@ static int Apply_Line (const Reading *reading, const char *file_name, const char
 }
 
 // 1 at the end of the file, or 0.
-static int Read_Lines (Reading *reading, const char *file_name) {
+static int Read_Lines (Configuration_Reading *reading, const char *file_name) {
     char line[LINE_SIZE];
     while (Read_Line (reading, line)) {
         Log_Message (nullptr, LOG_TRACE5, "--> line[%d]   \"%s\"", reading->number, line);
@@ -280,7 +280,7 @@ int Configuration_Read (const char *path, const char *name) {
     Configuration_Free ();
     if (!File_Name (file_name, sizeof file_name, path, name)) return 0;
 
-    Reading reading = {File_Open (file_name), 0, NO_BYTE, 0};
+    Configuration_Reading reading = {File_Open (file_name), 0, NO_BYTE, 0};
     if (!reading.file) return 0;
     Log_Message (nullptr, LOG_REPORT, "Reading: " COLOUR_BLUE "%s", file_name);
     int done = Read_Lines (&reading, file_name);

@@ -21,6 +21,12 @@ if (TAGWRIGHT_SANITIZE)
     add_link_options (-fsanitize=address,undefined)
 endif ()
 
+# What users run is optimised as a whole, across its sources, which takes a tenth off its time. Tests would wait long for
+# each of their programs to be linked.
+if (TAGWRIGHT_WHOLE AND NOT TAGWRIGHT_TESTS AND NOT TAGWRIGHT_SANITIZE AND NOT TAGWRIGHT_FUZZ AND NOT TAGWRIGHT_COVERAGE)
+    set (CMAKE_INTERPROCEDURAL_OPTIMIZATION_RELEASE ON)
+endif ()
+
 # What libFuzzer steers by. Its main is linked into the fuzz programs only (fuzz/CMakeLists.txt).
 if (TAGWRIGHT_FUZZ)
     add_compile_options (-fsanitize=fuzzer-no-link)

@@ -14,7 +14,7 @@ static const uint8_t  MODE_DELIMITER_BITS = 0xC1; // What stays of a mode for gr
 static const uint16_t GROUP_SIEMENS       = 0x0009;
 static const uint16_t ELEMENT_PIXEL       = 0x0010;
 static const int64_t  MARK_END            = INT32_MAX - 1; // A length holds a mark of two bytes in front of it.
-static const int      PLAIN_SIZE          = 12; // Of the longest header (PS3.5 7.1.2).
+static const int      PLAIN_SIZE          = 12;            // Of the longest header (PS3.5 7.1.2).
 
 struct Header {
     Window       window;
@@ -28,7 +28,7 @@ struct Header {
     int64_t      limit; // 0: unknown.
 };
 
-enum Step { STEP_FAILED, STEP_DONE, STEP_NEXT }; // The first two are what the reader returns.
+enum Header_Step { STEP_FAILED, STEP_DONE, STEP_NEXT }; // The first two are what the reader returns.
 
 #define WARNING_HEAD "    " EMPHASIS COLOUR_YELLOW "WARNING:" COLOUR_BLACK " "
 
@@ -42,12 +42,12 @@ static int Is_Tag (const Header *header, uint16_t group, uint16_t element) {
 
 static int Is_Upper (uint8_t byte) { return byte >= 'A' && byte <= 'Z'; }
 
-static Step Fail (const Header *header, const char *what) {
+static Header_Step Fail (const Header *header, const char *what) {
     Log_Message (header->window, LOG_TRACE1, "NEMA_Get_Data_Element() --> failed to read %s", what);
     return STEP_FAILED;
 }
 
-static Step Fail_Size (const Header *header) {
+static Header_Step Fail_Size (const Header *header) {
     Log_Message (header->window, LOG_TRACE1, "NEMA_Get_Data_Element() --> failed to read size (VR:%c%c)",
                  Code_First (header->vr, '0'), Code_Second (header->vr, '0'));
     return STEP_FAILED;
@@ -75,7 +75,7 @@ static int64_t Position (const Header *header) {
 
 // Group 2 is little endian, and explicit by the standard (PS3.10 7.1), but there are writers that leave its VRs out. Two
 // upper-case letters behind the tag tell: as the low half of a length they would make more than 16,000 bytes.
-static Step Read_Meta_Mode (Header *header) {
+static Header_Step Read_Meta_Mode (Header *header) {
     int64_t  behind = header->position < 0 ? Position (header) : header->position + 2;
     uint8_t  first = 0, second = 0;
     uint8_t *mode = &header->mode;
@@ -89,7 +89,7 @@ static Step Read_Meta_Mode (Header *header) {
     return STEP_NEXT;
 }
 
-static Step Read_Tag (Header *header) {
+static Header_Step Read_Tag (Header *header) {
     uint8_t bytes[2];
     if (!NEMA_Read_Bytes (header->window, header->source, header->mode, sizeof bytes, bytes))
         return Fail (header, "group");
@@ -131,7 +131,7 @@ static int Read_Short_Length (Header *header) {
 }
 
 // A delimiter says all by its tag, so one whose length is cut off by the end of the file still counts.
-static Step Read_Implicit (Header *header) {
+static Header_Step Read_Implicit (Header *header) {
     if (Read_Length (header)) return STEP_NEXT;
     Fail_Size (header);
     return Is_Tag (header, GROUP_DELIMITER, ELEMENT_ITEM_END) || Is_Tag (header, GROUP_DELIMITER, ELEMENT_SEQUENCE_END)
@@ -141,7 +141,7 @@ static Step Read_Implicit (Header *header) {
 
 // Siemens: an SQ whose length stands in the two reserved bytes, with no 32-bit length behind them. Read plainly the
 // length would be made of the first bytes of what follows; the caller gets an unknown element to skip instead.
-static Step Repair_Reserved (Header *header, uint16_t reserved) {
+static Header_Step Repair_Reserved (Header *header, uint16_t reserved) {
     if (!reserved || !Is_Tag (header, 0x0040, 0x0275)) return STEP_NEXT;
     Log_Message (header->window, Warning_Kind (header), WARNING_HEAD "Fix Siemens bug: tag (0040,0275) is skipped");
     header->group   = 0xFFFF;
@@ -163,7 +163,7 @@ static int Has_Reserved_Bytes (uint16_t vr) {
     }
 }
 
-static Step Read_Explicit (Header *header) {
+static Header_Step Read_Explicit (Header *header) {
     uint8_t vr[2];
     if (!NEMA_Read_Bytes (header->window, header->source, header->mode, sizeof vr, vr)) return STEP_FAILED;
     if (!Is_Upper (vr[0]) || !Is_Upper (vr[1])) return STEP_FAILED;
@@ -178,7 +178,7 @@ static Step Read_Explicit (Header *header) {
 
 // --- checks of the length --------------------------------------------------
 
-static Step Check_Limit (const Header *header) {
+static Header_Step Check_Limit (const Header *header) {
     if (header->limit <= 0 || header->length < header->limit) return STEP_NEXT;
     Log_Message (header->window, LOG_TRACE1, "NEMA_Get_Data_Element() --> failed size to big (=%08X)",
                  static_cast<unsigned> (header->length));
@@ -186,7 +186,7 @@ static Step Check_Limit (const Header *header) {
 }
 
 // GE: a length of 13 in front of a value of 10 bytes.
-static Step Repair_GE_13_10 (Header *header) {
+static Header_Step Repair_GE_13_10 (Header *header) {
     if (header->length != 13 || (header->mode & MODE_VENDOR) != MODE_GE) return STEP_NEXT;
     Log_Message (header->window, Warning_Kind (header),
                  WARNING_HEAD "Fix GE bug: lenght from 13 to 10 in tag (%04x,%04x)", header->group, header->element);
@@ -223,7 +223,7 @@ static void Repair_GE_Rogan (Header *header) {
 
 // The value's first four bytes, without consuming them: STEP_DONE when all are there, STEP_NEXT when not (also when the
 // position isn't known, to which to return), STEP_FAILED when there was no way back. start is the value's position.
-static Step Look (Header *header, uint8_t bytes[4], int64_t *start) {
+static Header_Step Look (Header *header, uint8_t bytes[4], int64_t *start) {
     *start = Position (header);
     if (*start < 0) return STEP_NEXT;
     int64_t obtained = NEMA_Read_Some (header->source, bytes, 4);
@@ -232,11 +232,11 @@ static Step Look (Header *header, uint8_t bytes[4], int64_t *start) {
 }
 
 // Siemens: in private group 9 a blank text of four bytes that claims to be a UL of six, one number and a half.
-static Step Repair_Siemens_6_4 (Header *header) {
+static Header_Step Repair_Siemens_6_4 (Header *header) {
     uint8_t bytes[4];
     int64_t start;
     if (header->group != GROUP_SIEMENS || header->vr != VR_UL || header->length != 6) return STEP_NEXT;
-    Step seen = Look (header, bytes, &start);
+    Header_Step seen = Look (header, bytes, &start);
     if (seen != STEP_DONE) return seen;
     for (uint8_t byte : bytes)
         if (byte != ' ') return STEP_NEXT;
@@ -265,7 +265,7 @@ static int64_t Find_Mark (NEMA_Source *source, const uint8_t mark[2], int64_t li
 
 // Siemens: a JPEG stream written straight into pixel data of undefined length, without the items of PS3.5 A.4. Its end
 // mark gives the length. Seen with the bytes in order, and with the two of each 16-bit unit in a reversed stream.
-static Step Repair_Siemens_Pixels (Header *header) {
+static Header_Step Repair_Siemens_Pixels (Header *header) {
     static const struct {
         uint8_t start[4];
         uint8_t end[2];
@@ -278,7 +278,7 @@ static Step Repair_Siemens_Pixels (Header *header) {
     int64_t        start;
     const uint8_t *mark = nullptr;
     if (!Is_Tag (header, GROUP_PIXEL, ELEMENT_PIXEL) || header->length != LENGTH_UNDEFINED) return STEP_NEXT;
-    Step seen = Look (header, bytes, &start);
+    Header_Step seen = Look (header, bytes, &start);
     if (seen != STEP_DONE) return seen;
     for (const auto &form : jpeg)
         if (Swap_Long (0, bytes) == Swap_Long (0, form.start)) mark = form.end;
@@ -297,8 +297,8 @@ static Step Repair_Siemens_Pixels (Header *header) {
 // --- the element -----------------------------------------------------------
 
 // In this order: a length beyond the file is refused before any repair looks at it.
-static Step Check_Length (Header *header) {
-    Step step = Check_Limit (header);
+static Header_Step Check_Length (Header *header) {
+    Header_Step step = Check_Limit (header);
     if (step == STEP_NEXT) step = Repair_GE_13_10 (header);
     if (step != STEP_NEXT) return step;
 
@@ -311,14 +311,14 @@ static Step Check_Length (Header *header) {
     return header->length < LENGTH_UNDEFINED ? STEP_FAILED : STEP_NEXT;
 }
 
-static Step Read_Header (Header *header) {
+static Header_Step Read_Header (Header *header) {
     Log_Message (header->window, LOG_TRACE4, "in NEMA_Get_Data_Element(mode:%04X)", header->mode);
     header->position = Position (header);
     if (Read_Tag (header) == STEP_FAILED) return STEP_FAILED;
     Repair_Item_Tag (header);
     if (header->group == GROUP_DELIMITER) header->mode &= MODE_DELIMITER_BITS;
 
-    Step step = header->mode & MODE_EXPLICIT ? Read_Explicit (header) : Read_Implicit (header);
+    Header_Step step = header->mode & MODE_EXPLICIT ? Read_Explicit (header) : Read_Implicit (header);
     if (step == STEP_NEXT) step = Check_Length (header);
     if (step != STEP_NEXT) return step;
 

@@ -157,7 +157,7 @@ struct Table {
     Attribute  *own;
 };
 
-struct Reading {
+struct Table_Reading {
     Window          window;
     const Settings *settings;
     SequenceCursor  cursor;  // At the top: the lists are flat.
@@ -166,7 +166,7 @@ struct Reading {
     char            line[DEFINITION_LINE_SIZE];
 };
 
-static void Reading_Begin (Reading *reading, Window window, const Settings *settings, int *records) {
+static void Reading_Begin (Table_Reading *reading, Window window, const Settings *settings, int *records) {
     memset (reading, 0, sizeof *reading);
     reading->window          = window;
     reading->settings        = settings;
@@ -174,18 +174,18 @@ static void Reading_Begin (Reading *reading, Window window, const Settings *sett
     reading->records         = records;
 }
 
-static int Is_Full (const Reading *reading) { return *reading->records > DEFINITION_RECORDS; }
+static int Is_Full (const Table_Reading *reading) { return *reading->records > DEFINITION_RECORDS; }
 
-static void Warn_Attribute_File (const Reading *reading, const Table *table) {
+static void Warn_Attribute_File (const Table_Reading *reading, const Table *table) {
     Definition_Warn (reading->window, " reading Attribute file:", table->label, table->line_number);
 }
 
 // The result is 0 only when memory ran out, here and below.
-static int Append (Reading *reading, Table *table, const Attribute *record) {
+static int Append (Table_Reading *reading, Table *table, const Attribute *record) {
     return DICOM_Attribute_Insert (reading->window, &reading->cursor, table->list, record, 0) != nullptr;
 }
 
-static int Append_Counted (Reading *reading, Table *table, const Attribute *record) {
+static int Append_Counted (Table_Reading *reading, Table *table, const Attribute *record) {
     if (Is_Full (reading)) return 1;
     ++*reading->records;
     if (!Is_Full (reading)) return Append (reading, table, record);
@@ -199,7 +199,7 @@ static int Append_Counted (Reading *reading, Table *table, const Attribute *reco
 // --- nesting ---------------------------------------------------------------
 
 // The items and delimiters that the ">" of the lines stand for.
-static int Append_Delimiter (Reading *reading, Table *table, uint16_t element) {
+static int Append_Delimiter (Table_Reading *reading, Table *table, uint16_t element) {
     static Attribute delimiters[3]; // Item, its end, the sequence's end: made once and kept.
 
     int at = element == ELEMENT_ITEM ? 0 : element == ELEMENT_ITEM_END ? 1 : 2;
@@ -216,7 +216,7 @@ static int Append_Delimiter (Reading *reading, Table *table, uint16_t element) {
 
 // Closes what is open below depth, one item and one sequence a turn. A line that itself ends a sequence closes none; at
 // its sequence's own depth a turn then changes nothing, which ends the loop.
-static int Close_Below (Reading *reading, Table *table, int depth, int ends_sequence) {
+static int Close_Below (Table_Reading *reading, Table *table, int depth, int ends_sequence) {
     for (;;) {
         int changed = table->level > depth;
         if (changed) table->level--;
@@ -238,7 +238,7 @@ static int Close_Below (Reading *reading, Table *table, int depth, int ends_sequ
 
 // Opens and closes before a line of this depth. A deeper line opens one level, however much deeper it is; tag is none for
 // an include directive.
-static int Nest (Reading *reading, Table *table, int depth, const Attribute *tag) {
+static int Nest (Table_Reading *reading, Table *table, int depth, const Attribute *tag) {
     int      delimiter = tag && tag->group == GROUP_DELIMITER;
     uint16_t element   = tag ? tag->element : 0;
     if (depth > table->level) {
@@ -274,7 +274,7 @@ static void Table_Pause (Table *table) {
     table->file = nullptr;
 }
 
-static void Table_Resume (Reading *reading, Table *table) {
+static void Table_Resume (Table_Reading *reading, Table *table) {
     if (table->entry == NOT_INCLUDED) return;
     table->file = Definition_Open (table->label);
     if (table->file && File_Seek (table->file, table->position)) return;
@@ -284,7 +284,7 @@ static void Table_Resume (Reading *reading, Table *table) {
 }
 
 // Makes the table the one that is read next. Takes over file.
-static int Table_Push (Reading *reading, File *file, const char *label, int32_t entry) {
+static int Table_Push (Table_Reading *reading, File *file, const char *label, int32_t entry) {
     size_t size  = strlen (label) + 1;
     void  *block = Memory_Calloc (reading->window, HERE ("table", 1, sizeof (Table) + size), sizeof (Table) + size);
     if (!block) {
@@ -315,7 +315,7 @@ static void Warn_Includes (Window window) {
 }
 
 // Enters an open include file into the cache and begins to read it.
-static int Include_Enter (Reading *reading, File *file, const char *name, const char *file_name) {
+static int Include_Enter (Table_Reading *reading, File *file, const char *name, const char *file_name) {
     char *copy = nullptr;
     if (Include.count < DEFINITION_INCLUDES) {
         copy = Memory_Strdup (reading->window, HERE ("Include_Name[Include_Nb]", 0, 0), name);
@@ -332,7 +332,8 @@ static int Include_Enter (Reading *reading, File *file, const char *name, const 
 }
 
 // The macro when the cache has it, else none and, when there is such a file, its table as the one that is read next.
-static int Include_Begin (Reading *reading, const char *name, const char *label, int line_number, Attribute **macro) {
+static int Include_Begin (Table_Reading *reading, const char *name, const char *label, int line_number,
+                          Attribute **macro) {
     char key[DEFINITION_LINE_SIZE], file_name[DEFINITION_NAME_SIZE];
     *macro = nullptr;
     Log_Message (reading->window, LOG_TRACE3, "DICOM_Module_Include_Get(%s)", name);
@@ -358,7 +359,7 @@ static int Include_Begin (Reading *reading, const char *name, const char *label,
 // The number that stands for a list in a trace.
 static unsigned List_Number (const void *list) { return static_cast<unsigned> (reinterpret_cast<uintptr_t> (list)); }
 
-static int Insert_Macro (Reading *reading, Table *table, const Attribute *macro) {
+static int Insert_Macro (Table_Reading *reading, Table *table, const Attribute *macro) {
     if (!macro) return 1;
     Log_Message (reading->window, LOG_TRACE3, "-> insert new macro(%08x) in list %08x", List_Number (macro),
                  List_Number (*table->list));
@@ -368,7 +369,7 @@ static int Insert_Macro (Reading *reading, Table *table, const Attribute *macro)
 }
 
 // "include Name", 'Include "Name"': text is what follows the word. A macro that has yet to be read is inserted at its end.
-static int Include_Directive (Reading *reading, Table *table, int depth, char *text) {
+static int Include_Directive (Table_Reading *reading, Table *table, int depth, char *text) {
     if (!Nest (reading, table, depth, nullptr)) return 0;
     for (char *c = text; *c; c++)
         if (*c == '\x91' || *c == '\x92') *c = '"';
@@ -483,7 +484,8 @@ static const char *Apply_Token (char *token, Attribute *tag, Line_Texts *texts) 
 }
 
 // The first token that is wrong ends the line.
-static void Apply_Tokens (const Reading *reading, const Table *table, char *rest, Attribute *tag, Line_Texts *texts) {
+static void Apply_Tokens (const Table_Reading *reading, const Table *table, char *rest, Attribute *tag,
+                          Line_Texts *texts) {
     while (char *token = Take_Token (&rest)) {
         const char *fault = Apply_Token (token, tag, texts);
         if (!fault) continue;
@@ -501,7 +503,7 @@ static void Complete_VR (Window window, Attribute *tag) {
     if (tag->group == GROUP_DELIMITER) tag->vr = 0;
 }
 
-static int Set_Texts (const Reading *reading, const Table *table, Attribute *tag, const Line_Texts *texts) {
+static int Set_Texts (const Table_Reading *reading, const Table *table, Attribute *tag, const Line_Texts *texts) {
     Value_Result result = texts->value ? Definition_Value_Set (reading->window, tag, texts->value) : VALUE_SET;
     if (result == VALUE_NO_MEMORY) return 0;
     if (result == VALUE_REFUSED) {
@@ -514,7 +516,7 @@ static int Set_Texts (const Reading *reading, const Table *table, Attribute *tag
     return tag->description != nullptr;
 }
 
-static int Append_Line (Reading *reading, Table *table, int depth, Attribute *tag) {
+static int Append_Line (Table_Reading *reading, Table *table, int depth, Attribute *tag) {
     if (!Nest (reading, table, depth, tag)) return 0;
     int is_item = tag->group == GROUP_DELIMITER && tag->element == ELEMENT_ITEM;
     if (tag->vr == VR_SQ || is_item) tag->length = LENGTH_UNDEFINED;
@@ -524,7 +526,7 @@ static int Append_Line (Reading *reading, Table *table, int depth, Attribute *ta
 }
 
 // mode is little endian: so numbers are stored.
-static int Attribute_Line (Reading *reading, Table *table, int depth, uint16_t flags, int64_t start, char *text) {
+static int Attribute_Line (Table_Reading *reading, Table *table, int depth, uint16_t flags, int64_t start, char *text) {
     Attribute tag = {};
     tag.mode      = MODE_EXPLICIT;
     tag.flags     = static_cast<uint16_t> (ORIGIN_MODULE | flags);
@@ -554,7 +556,7 @@ static int Attribute_Line (Reading *reading, Table *table, int depth, uint16_t f
 // The second to seventh character decide, so that "Include" is as good.
 static int Is_Include (const char *text) { return *text && !strncmp (text + 1, "nclude", 6); }
 
-static int Handle_Line (Reading *reading, Table *table, int64_t start) {
+static int Handle_Line (Table_Reading *reading, Table *table, int64_t start) {
     static const size_t DIRECTIVE_SIZE = 7;
 
     Log_Message (reading->window, LOG_TRACE5, "%s[%d] -> %s", table->label, table->line_number, reading->line);
@@ -567,7 +569,7 @@ static int Handle_Line (Reading *reading, Table *table, int64_t start) {
 }
 
 // Closes what is open and goes back to the table that asked for this one, if any.
-static int Table_End (Reading *reading, Table *table) {
+static int Table_End (Table_Reading *reading, Table *table) {
     if (!Close_Below (reading, table, 0, 0)) return 0;
     Table *parent = table->parent;
     reading->top  = parent;
@@ -581,7 +583,7 @@ static int Table_End (Reading *reading, Table *table) {
     return Insert_Macro (reading, parent, macro);
 }
 
-static int Next_Line (Reading *reading, Table *table) {
+static int Next_Line (Table_Reading *reading, Table *table) {
     if (table->line_number < INT32_MAX) table->line_number++;
     return table->file && !Is_Full (reading) &&
            DICOM_Module_Read_Line (reading->window, table->file, table->line_number, reading->line, table->label,
@@ -589,7 +591,7 @@ static int Next_Line (Reading *reading, Table *table) {
 }
 
 // Reads the top table and all that it includes. 0 when memory ran out; then nothing is left on the chain either.
-static int Read_Tables (Reading *reading) {
+static int Read_Tables (Table_Reading *reading) {
     int done = 1;
     while (done && reading->top) {
         Table  *table = reading->top;
@@ -608,7 +610,7 @@ static int Read_Tables (Reading *reading) {
 
 int Definition_Read (Window window, const Settings *settings, File *file, const char *label, Attribute **list,
                      int *records) {
-    Reading reading;
+    Table_Reading reading;
     Reading_Begin (&reading, window, settings, records);
     Table table = {};
     table.entry = NOT_INCLUDED;
@@ -627,10 +629,10 @@ int DICOM_Module_Read_File (Window window, const Settings *settings, File *file,
 Attribute *DICOM_Module_Include_Get (Window window, const Settings *settings, const char *name, const char *label,
                                      int line) {
     Mutex_Access_Start ();
-    Reading    reading;
-    Attribute *macro;
-    int        records = 0;
-    int32_t    entry   = Include.count; // Of the file, should it be read now.
+    Table_Reading reading;
+    Attribute    *macro;
+    int           records = 0;
+    int32_t       entry   = Include.count; // Of the file, should it be read now.
     Reading_Begin (&reading, window, settings, &records);
     if (!Include_Begin (&reading, name, label, line, &macro)) macro = nullptr;
     else if (reading.top) macro = Read_Tables (&reading) ? Include.lists[entry] : nullptr;

@@ -8,7 +8,7 @@
 
 static const char *const MODULE = "definition_value";
 
-struct Value_Form {
+struct Number_Form {
     uint16_t vr;
     char     padding; // Of a text.
     uint8_t  size;    // Of a number in bytes; 0: a text.
@@ -16,7 +16,7 @@ struct Value_Form {
 };
 
 // clang-format off
-static const Value_Form value_forms[] = {
+static const Number_Form number_forms[] = {
     {VR_AE, ' ', 0, 0}, {VR_AS, ' ', 0, 0}, {VR_CS, ' ', 0, 0}, {VR_DA, ' ', 0, 0}, {VR_DS, ' ', 0, 0},
     {VR_DT, ' ', 0, 0}, {VR_IS, ' ', 0, 0}, {VR_LO, ' ', 0, 0}, {VR_LT, ' ', 0, 0}, {VR_PN, ' ', 0, 0},
     {VR_SH, ' ', 0, 0}, {VR_ST, ' ', 0, 0}, {VR_TM, ' ', 0, 0}, {VR_UT, ' ', 0, 0}, {VR_UI, 0,   0, 0},
@@ -25,8 +25,8 @@ static const Value_Form value_forms[] = {
 };
 // clang-format on
 
-static const Value_Form *Value_Form_Of (uint16_t vr) {
-    for (const Value_Form &form : value_forms)
+static const Number_Form *Number_Form_Of (uint16_t vr) {
+    for (const Number_Form &form : number_forms)
         if (form.vr == vr) return &form;
     return nullptr;
 }
@@ -53,7 +53,7 @@ static float To_Float (double number) {
 }
 
 // The bits of a number, to be cut to its form's size.
-static uint64_t Number_Bits (const Value_Form *form, const char *text) {
+static uint64_t Number_Bits (const Number_Form *form, const char *text) {
     uint64_t bits = 0;
     if (!form->real) return static_cast<uint64_t> (Text_To_Long (text));
     double number = Text_To_Double (text);
@@ -72,7 +72,7 @@ static const char *Skip_While (const char *text, const char *set) { return text 
 
 // The first number ends at the first backslash, the others at blanks: "1\2 3" is three numbers, "1\2\3" is two, since a
 // number ends at what can't belong to it. Tables in use rely on it.
-static Value_Result Value_Numbers (Window window, Attribute *attribute, const char *text, const Value_Form *form) {
+static Value_Result Value_Numbers (Window window, Attribute *attribute, const char *text, const Number_Form *form) {
     static const char BETWEEN[] = " \t\n";
 
     uint8_t numbers[DEFINITION_NUMBERS_SIZE];
@@ -95,7 +95,7 @@ Value_Result Definition_Value_Set (Window window, Attribute *attribute, const ch
     Value_Release (attribute);
     attribute->length = 0;
     if (!*text) return VALUE_SET;
-    const Value_Form *form = Value_Form_Of (attribute->vr);
+    const Number_Form *form = Number_Form_Of (attribute->vr);
     if (!form) return VALUE_REFUSED;
     return form->size ? Value_Numbers (window, attribute, text, form)
                       : Value_Text (window, attribute, text, form->padding);

@@ -118,12 +118,12 @@ static const int SHORTEST_HEAD = 6;  // A smaller button has no room for an arro
 static const int SHORTEST_GRIP = 24; // A shorter thumb has no lines.
 
 // Pixels, all included.
-struct Area {
+struct Slider_Area {
     int left, right, bottom, top;
 };
 
 // The part of the slider from one offset to another, less inset lines at its long edges.
-static Area Part_Area (const Slider *slider, int from, int to, int inset) {
+static Slider_Area Part_Area (const Slider *slider, int from, int to, int inset) {
     const Widget &widget = slider->widget;
     if (Is_Vertical (slider)) return {widget.x + inset, widget.x + widget.w - inset, widget.y + from, widget.y + to};
     return {widget.x + from, widget.x + to, widget.y + inset, widget.y + widget.h - inset};
@@ -136,22 +136,22 @@ static uint32_t Shade (const Slider *slider, int by) {
     return Widget_Colour (shaded);
 }
 
-static void Fill (const Area &area, uint32_t colour) {
+static void Fill (const Slider_Area &area, uint32_t colour) {
     Device::Colour_Set (colour);
     Device::FillRect (area.left, area.bottom - 1, area.right + 1, area.top);
 }
 
-static void Outline (const Area &area, uint32_t colour) {
+static void Outline (const Slider_Area &area, uint32_t colour) {
     Device::Colour_Set (colour);
     Device::Rectangle (area.left, area.bottom, area.right, area.top);
 }
 
-static void Fill_Outlined (const Area &area, uint32_t fill, uint32_t line) {
+static void Fill_Outlined (const Slider_Area &area, uint32_t fill, uint32_t line) {
     Fill (area, fill);
     Outline (area, line);
 }
 
-static void Draw_Knob (Slider *slider, const Area &area, Tools::Cadre_Direction direction, int pressed) {
+static void Draw_Knob (Slider *slider, const Slider_Area &area, Tools::Cadre_Direction direction, int pressed) {
     Widget *widget = &slider->widget;
     if (!Widget_Begin (widget, "Sliders::Draw")) return;
     Fill (area, Shade (slider, pressed ? PRESSED_SHADE : 0));
@@ -159,7 +159,7 @@ static void Draw_Knob (Slider *slider, const Area &area, Tools::Cadre_Direction 
     Tools::Cadre (widget, widget->state, direction, BEVEL, area.left, area.right, area.bottom, area.top);
 }
 
-static void Draw_Pale (Slider *slider, const Area &area) {
+static void Draw_Pale (Slider *slider, const Slider_Area &area) {
     if (!Widget_Begin (&slider->widget, "Sliders::Draw")) return;
     Fill_Outlined (area, Shade (slider, 0), Shade (slider, PALE_SHADE));
     Widget_End (&slider->widget);
@@ -174,12 +174,12 @@ static Slider_Part Part_At_End (const Slider *slider, int far_end) {
 
 // far_end: the right or the top one.
 static void Draw_Arrow (Slider *slider, int far_end) {
-    int  length    = Arrow_Length (slider);
-    int  from      = far_end ? Length (slider) - length : 0;
-    int  direction = Is_Vertical (slider) ? (far_end ? Tools::ARROW_UP : Tools::ARROW_DOWN)
-                                          : (far_end ? Tools::ARROW_RIGHT : Tools::ARROW_LEFT);
-    int  pressed   = slider->pressed == Part_At_End (slider, far_end);
-    Area area      = Part_Area (slider, from, from + length, 0);
+    int         length    = Arrow_Length (slider);
+    int         from      = far_end ? Length (slider) - length : 0;
+    int         direction = Is_Vertical (slider) ? (far_end ? Tools::ARROW_UP : Tools::ARROW_DOWN)
+                                                 : (far_end ? Tools::ARROW_RIGHT : Tools::ARROW_LEFT);
+    int         pressed   = slider->pressed == Part_At_End (slider, far_end);
+    Slider_Area area      = Part_Area (slider, from, from + length, 0);
     if (slider->widget.state & WIDGET_INACTIVE) Draw_Pale (slider, area);
     else Draw_Knob (slider, area, pressed ? Tools::CADRE_SUNKEN : Tools::CADRE_RAISED, pressed);
     if (length >= SHORTEST_HEAD && Thickness (slider) >= SHORTEST_HEAD)

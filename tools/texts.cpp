@@ -31,7 +31,7 @@ static const int64_t     TAB_COUNT  = 3; // Stops that the sample covers.
 // --- geometry --------------------------------------------------------------
 
 // Pixels left <= x < right, bottom <= y < top.
-struct Area {
+struct Text_Area {
     int left, bottom, right, top;
 };
 
@@ -40,9 +40,9 @@ static int Has_Size (const Text_Widget *text) { return text->widget.w > 0 && tex
 static int Has_Slider (const Text_Widget *text) { return !(text->slider.widget.state & WIDGET_HIDDEN); }
 
 // Inside the frame, left of the slider.
-static Area Inside (const Text_Widget *text) {
+static Text_Area Inside (const Text_Widget *text) {
     const Widget *widget = &text->widget;
-    Area          area   = {widget->x + FRAME, widget->y + FRAME, widget->x + widget->w + 1 - FRAME,
+    Text_Area     area   = {widget->x + FRAME, widget->y + FRAME, widget->x + widget->w + 1 - FRAME,
                             widget->y + widget->h + 1 - FRAME};
     if (Has_Slider (text)) area.right = text->slider.widget.x - LEFT_MARGIN;
     return area;
@@ -243,7 +243,7 @@ static void Draw_Line (Pen *pen, const char *line) {
     }
 }
 
-static Pen Pen_At (Text_Widget *text, const Area *area, int row) {
+static Pen Pen_At (Text_Widget *text, const Text_Area *area, int row) {
     return {text, text->widget.x + LEFT_MARGIN, Row_Bottom (text, row), area->right, 0, text->normal, BLACK};
 }
 
@@ -254,16 +254,16 @@ static int Can_Draw (const Text_Widget *text) {
 }
 
 // By pixels; the device leaves the lower row out and takes the upper one in.
-static void Fill (const Area *area, uint32_t colour) {
+static void Fill (const Text_Area *area, uint32_t colour) {
     if (area->left >= area->right || area->bottom >= area->top) return;
     Device::Colour_Set (colour);
     Device::FillRect (area->left, area->bottom - 1, area->right, area->top - 1);
 }
 
 // The area, as far as the widget's own clip lets it be seen.
-static void Clip (const Text_Widget *text, const Area *area) {
+static void Clip (const Text_Widget *text, const Text_Area *area) {
     const Widget_Rectangle *clip = &text->widget.clip;
-    Area                    seen = *area;
+    Text_Area               seen = *area;
     if (clip->w) {
         seen.left   = std::max<int> (seen.left, clip->x);
         seen.bottom = std::max (seen.bottom, clip->y + 1);
@@ -274,17 +274,17 @@ static void Clip (const Text_Widget *text, const Area *area) {
 }
 
 // A line too long for the field is shown around its cursor.
-static void Draw_Typed (Text_Widget *text, const Area *area, int row) {
+static void Draw_Typed (Text_Widget *text, const Text_Area *area, int row) {
     Pen pen    = Pen_At (text, area, row);
     int length = (int)strnlen (text->text, TEXT_SIZE - 1);
     int before = Device::Run_Width (pen.font, text->text, std::clamp (text->cursor, 0, length));
     pen.start -= std::max (0, pen.start + before + LEFT_MARGIN - area->right);
-    Area bar = {pen.start + before, pen.y, pen.start + before + 1, pen.y + Pitch (text)};
+    Text_Area bar = {pen.start + before, pen.y, pen.start + before + 1, pen.y + Pitch (text)};
     Draw_Run (&pen, text->text, length);
     Fill (&bar, BLACK);
 }
 
-static void Draw_Row (Text_Widget *text, const Area *area, int row) {
+static void Draw_Row (Text_Widget *text, const Text_Area *area, int row) {
     int index = text->line_top + row;
     if (row < Texts::Visible_Lines (text) && index < text->line_count) {
         Pen pen = Pen_At (text, area, row);
@@ -300,9 +300,9 @@ static int End_Row (const Text_Widget *text) {
 
 // From this row on, down to the frame.
 static void Draw_Rows (Text_Widget *text, int first) {
-    Area area = Inside (text);
-    Area fill = area;
-    int  last = End_Row (text) - (text->echo ? 0 : 1);
+    Text_Area area = Inside (text);
+    Text_Area fill = area;
+    int       last = End_Row (text) - (text->echo ? 0 : 1);
     if (!Widget_Begin (&text->widget, MODULE)) return;
     Clip (text, &area);
     if (first > 0) fill.top = Row_Bottom (text, first - 1);

@@ -20,7 +20,7 @@ static const uint32_t FOCUS      = Drawing_Colour (64, 64, 230);
 static const uint32_t BLACK      = Drawing_Colour (0, 0, 0);
 static const uint32_t WHITE      = Drawing_Colour (255, 255, 255);
 
-struct Line {
+struct Box_Line {
     const char *text; // Borrowed from the caller's.
     int         length;
 };
@@ -34,7 +34,7 @@ struct Box {
     int         pressed; // The one that the mouse has taken, or -1.
     int         answer;  // The button pressed at last, or -1.
     int         done;
-    Line        lines[LINE_LIMIT];
+    Box_Line    lines[LINE_LIMIT];
     int         line_count;
     int         line_height;
     int         text_width; // Of the longest line.

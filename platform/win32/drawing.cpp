@@ -182,7 +182,7 @@ void Drawing_Fill (Drawing drawing, int left, int bottom, int right, int top, ui
 }
 
 // A line goes along the axis on which its ends are farther apart, one pixel a step, and across on the other.
-struct Line {
+struct Drawn_Line {
     int64_t start_along, start_across;
     int     sign_along, sign_across;
     int64_t steps;         // Along.
@@ -190,17 +190,17 @@ struct Line {
     int     is_horizontal; // Along is x.
 };
 
-static Line Line_Of (int64_t x1, int64_t y1, int64_t x2, int64_t y2) {
+static Drawn_Line Line_Of (int64_t x1, int64_t y1, int64_t x2, int64_t y2) {
     int64_t right = x2 - x1, up = y2 - y1;
     int64_t wide = right < 0 ? -right : right, high = up < 0 ? -up : up;
 
-    if (wide >= high) return Line {x1, y1, right < 0 ? -1 : 1, up < 0 ? -1 : 1, wide, high, 1};
-    return Line {y1, x1, up < 0 ? -1 : 1, right < 0 ? -1 : 1, high, wide, 0};
+    if (wide >= high) return Drawn_Line {x1, y1, right < 0 ? -1 : 1, up < 0 ? -1 : 1, wide, high, 1};
+    return Drawn_Line {y1, x1, up < 0 ? -1 : 1, right < 0 ? -1 : 1, high, wide, 0};
 }
 
 // The first step that lies in low <= place < high, and the one after the last. Only these are walked: the ends may be four
 // thousand million pixels apart.
-static void Line_Steps (const Line *line, int64_t low, int64_t high, int64_t *from, int64_t *to) {
+static void Line_Steps (const Drawn_Line *line, int64_t low, int64_t high, int64_t *from, int64_t *to) {
     *from = line->sign_along > 0 ? low - line->start_along : line->start_along - (high - 1);
     *to   = line->sign_along > 0 ? high - line->start_along : line->start_along - low + 1;
     if (*from < 0) *from = 0;
@@ -208,7 +208,7 @@ static void Line_Steps (const Line *line, int64_t low, int64_t high, int64_t *fr
 }
 
 // The pixels of one step: as many across as the line is wide.
-static Area Line_Piece (const Line *line, int64_t along, int64_t across, int64_t width) {
+static Area Line_Piece (const Drawn_Line *line, int64_t along, int64_t across, int64_t width) {
     int64_t low = across - width / 2;
     if (line->is_horizontal) return Area {along, low, along + 1, low + width};
     return Area {low, along, low + width, along + 1};
@@ -218,10 +218,10 @@ void Drawing_Line (Drawing drawing, int x1, int y1, int x2, int y2, int width, u
     const Surface *surface = Surface_Of (drawing);
     if (!surface) return;
 
-    Line    line  = Line_Of (x1, y1, x2, y2);
-    Area    whole = {INT64_MIN, INT64_MIN, INT64_MAX, INT64_MAX};
-    Area    clip  = Visible (drawing, surface, &whole);
-    int64_t from, to;
+    Drawn_Line line  = Line_Of (x1, y1, x2, y2);
+    Area       whole = {INT64_MIN, INT64_MIN, INT64_MAX, INT64_MAX};
+    Area       clip  = Visible (drawing, surface, &whole);
+    int64_t    from, to;
     if (Area_Is_Empty (&clip)) return;
     if (line.is_horizontal) Line_Steps (&line, clip.left, clip.right, &from, &to);
     else Line_Steps (&line, clip.bottom, clip.top, &from, &to);

@@ -335,16 +335,21 @@ Attribute *Attribute_New (Window window, const Attribute *fields, int32_t room) 
     return nullptr;
 }
 
-int DICOM_Attribute_Adopt (Window window, SequenceCursor *cursor, Insert_Path *path, Attribute *record) {
+Attribute **DICOM_Attribute_Adopt_Place (Window window, SequenceCursor *cursor, Insert_Path *path,
+                                         const Attribute *record) {
     Trace_Insert (window, record);
     while (path->depth < cursor->depth) {
         Attribute **place = Insert_Step (window, cursor, path->place[path->depth], record, path->depth);
-        if (!place) return 0;
+        if (!place) return nullptr;
         path->place[++path->depth] = place;
         Trace_Insert (window, record);
     }
+    return path->place[cursor->depth];
+}
 
-    Attribute **place = path->place[cursor->depth];
+int DICOM_Attribute_Adopt (Window window, SequenceCursor *cursor, Insert_Path *path, Attribute *record) {
+    Attribute **place = DICOM_Attribute_Adopt_Place (window, cursor, path, record);
+    if (!place) return 0;
     if (record->index) List_Index_Free (record);
     record->next      = nullptr;
     record->last      = nullptr;

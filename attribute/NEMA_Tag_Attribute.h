@@ -43,6 +43,10 @@ inline void Insert_Path_Cut (Insert_Path *path, int32_t depth) { if (path->depth
 // stays with the caller.
 int DICOM_Attribute_Adopt (Window window, SequenceCursor *cursor, Insert_Path *path, Attribute *record);
 
+// The place of the list that the record would be appended to, with all that is made on the way. None on failure.
+Attribute **DICOM_Attribute_Adopt_Place (Window window, SequenceCursor *cursor, Insert_Path *path,
+                                         const Attribute *record);
+
 // A record with these fields that is in no list, with room for a value of so many bytes (Value_New_In_Room). What fields
 // owns passes to it. None on failure.
 Attribute *Attribute_New (Window window, const Attribute *fields, int32_t room);

@@ -6,8 +6,10 @@
 #include <string.h>
 
 #include "attribute/NEMA_Tag_Attribute.h"
+#include "attribute/NEMA_Tag_Copy.h"
 #include "attribute/messages.h"
 #include "nema/NEMA_Read_Data.h"
+#include "syntax/syntax_rules.h"
 #include "tables/data_dictionary.h"
 
 // --- VR check --------------------------------------------------------------
@@ -189,7 +191,10 @@ struct Format_Pass {
     int32_t         End_Of_Sequence[SEQUENCE_DEPTHS]; // File positions, -1 when no end is known.
     int32_t         End_Of_Item[SEQUENCE_DEPTHS];
     int             sort_warned;
-    int             owns; // 1: flat records are taken over, 0: copied.
+    int             owns;      // 1: flat records are taken over, 0: copied.
+    int             lean;      // 1: owns, values are looked at, and what only tells structure goes.
+    int32_t         structure; // Records of structure in the list.
+    unsigned        left;      // FORMAT_LEFT_...
     Attribute      *list;
     Insert_Path     path; // To where the cursor stands; used when they are taken over.
     Attribute      *next; // The flat record behind the one at hand,
@@ -368,10 +373,43 @@ static void Stop_Item_By_Tag (Format_Pass *pass, const Attribute *record) {
                  record->element, record->length, pass->End_Of_Item[pass->cursor.depth]);
 }
 
+static int Is_Structure (const Attribute *record) {
+    return Is_Tag (record, GROUP_DELIMITER, ELEMENT_ITEM) || Is_Tag (record, GROUP_DELIMITER, ELEMENT_ITEM_END) ||
+           Is_Tag (record, GROUP_DELIMITER, ELEMENT_SEQUENCE_END);
+}
+
+// Makes room for a record where one of structure stood for it so far.
+static void Replace_Structure (Format_Pass *pass, Attribute **place) {
+    if (!*place || (*place)->next || !Is_Structure (*place)) return;
+    DICOM_Attribute_Free (pass->window, *place);
+    *place = nullptr;
+    pass->structure--;
+}
+
+// The record, which is in the list or is shed, that is, it is still the caller's. None when memory ran out.
+static Attribute *Place_Lean (Format_Pass *pass, Attribute *record, int *shed) {
+    Attribute **place = DICOM_Attribute_Adopt_Place (pass->window, &pass->cursor, &pass->path, record);
+    if (!place) return nullptr;
+    *shed = *place && Is_Structure (record);
+    if (*shed) {
+        Attribute_Copy_Kept (pass->window, &pass->cursor, record);
+        return record;
+    }
+    Replace_Structure (pass, place);
+    pass->structure += record->group == GROUP_DELIMITER;
+    return DICOM_Attribute_Adopt (pass->window, &pass->cursor, &pass->path, record) ? record : nullptr;
+}
+
 // The record of the nested list, or none when memory ran out.
-static Attribute *Place (Format_Pass *pass, Attribute *record) {
+static Attribute *Place (Format_Pass *pass, Attribute *record, int *shed) {
+    if (pass->lean) return Place_Lean (pass, record, shed);
     if (!pass->owns) return DICOM_Attribute_Insert (pass->window, &pass->cursor, &pass->list, record, 0);
     return DICOM_Attribute_Adopt (pass->window, &pass->cursor, &pass->path, record) ? record : nullptr;
+}
+
+static void Look_At (Format_Pass *pass, Attribute *record) {
+    record->right = Syntax_Is_Right (record) ? 1 : 0;
+    if (!record->right) pass->left |= FORMAT_LEFT_VALUES;
 }
 
 // 0 when memory ran out.
@@ -386,16 +424,22 @@ static int Format_Record (Format_Pass *pass, Attribute *record) {
     DICOM_Attribute_VR_Check (pass->window, pass->settings, record);
     pass->next        = record->next;
     pass->vr          = Attribute_VR (record);
-    Attribute *target = Place (pass, record);
+    int        shed   = 0;
+    Attribute *target = Place (pass, record, &shed);
     if (!target) return 0;
-    if (Open_What_Follows (pass, record, target)) return 1;
-    Stop_Item_By_Tag (pass, record);
-    Stop_Item_By_Size (pass, record);
+    int opened = Open_What_Follows (pass, record, target);
+    if (!opened) {
+        Stop_Item_By_Tag (pass, record);
+        Stop_Item_By_Size (pass, record);
+    }
+    if (shed) DICOM_Attribute_Free (pass->window, record);
+    else if (pass->lean) Look_At (pass, record);
     return 1;
 }
 
-// The nested list, or none. The record that there was no memory for is left in *flat.
-static Attribute *Format (Window window, const Settings *settings, Attribute **flat, int owns) {
+// The nested list, or none. The record that there was no memory for is left in *flat. left is none unless the list is to
+// be lean.
+static Attribute *Format (Window window, const Settings *settings, Attribute **flat, int owns, unsigned *left) {
     static const Settings silent = {};
 
     Log_Message (window, LOG_TRACE4, "in DICOM_Attribute_Format()");
@@ -404,6 +448,7 @@ static Attribute *Format (Window window, const Settings *settings, Attribute **f
     pass.settings        = settings ? settings : &silent;
     pass.cursor.settings = pass.settings;
     pass.owns            = owns;
+    pass.lean            = left != nullptr;
     pass.path.place[0]   = &pass.list;
     for (int depth = 0; depth < SEQUENCE_DEPTHS; depth++) pass.End_Of_Sequence[depth] = pass.End_Of_Item[depth] = -1;
     DICOM_Attribute_Sequence_Reset (window, &pass.cursor);
@@ -414,13 +459,19 @@ static Attribute *Format (Window window, const Settings *settings, Attribute **f
         DICOM_Attribute_Delete (window, &pass.cursor, &pass.list, TAG_ANY, TAG_ANY);
         return nullptr;
     }
+    if (left) *left = pass.left | (pass.structure ? FORMAT_LEFT_STRUCTURE : 0);
     return pass.list;
 }
 
 Attribute *DICOM_Attribute_Format (Window window, const Settings *settings, Attribute *flat_first) {
-    return Format (window, settings, &flat_first, 0);
+    return Format (window, settings, &flat_first, 0, nullptr);
 }
 
 Attribute *DICOM_Attribute_Format_Own (Window window, const Settings *settings, Attribute **flat) {
-    return Format (window, settings, flat, 1);
+    return Format (window, settings, flat, 1, nullptr);
+}
+
+Attribute *DICOM_Attribute_Format_Lean (Window window, const Settings *settings, Attribute **flat, unsigned *left) {
+    *left = 0;
+    return Format (window, settings, flat, 1, left);
 }

@@ -15,6 +15,17 @@ Attribute *DICOM_Attribute_Format (Window window, const Settings *settings, Attr
 // memory ran out those that were not reached stay. A copy of each would be traced at depth 5, where this traces less.
 Attribute *DICOM_Attribute_Format_Own (Window window, const Settings *settings, Attribute **flat);
 
+// What a list from DICOM_Attribute_Format_Lean has left for the passes that follow.
+enum {
+    FORMAT_LEFT_VALUES    = 1,  // Values to be looked at closely: DICOM_Attribute_Check_And_Clean.
+    FORMAT_LEFT_STRUCTURE = 2   // Records of items and delimiters to be dropped.
+};
+
+// As DICOM_Attribute_Format_Own for a caller that corrects the values next and drops the records that tell structure. Those
+// go here already, but for one in each item without others, since walks stop at an item without records. Values that are
+// right are marked; left tells which of the passes have something to do at all.
+Attribute *DICOM_Attribute_Format_Lean (Window window, const Settings *settings, Attribute **flat, unsigned *left);
+
 // Drops an explicit VR that isn't known and guesses a missing one from the value. 1, or 0 when the explicit VR isn't one
 // of the dictionary's or nothing could be guessed.
 int DICOM_Attribute_VR_Check (Window window, const Settings *settings, Attribute *attribute);

@@ -318,10 +318,14 @@ static void Trace_List (Window window, SequenceCursor *cursor, Attribute *list, 
     DICOM_Attribute_List (window, cursor, list, LOG_TRACE2);
 }
 
-// The records of the elements become those of the nested list, unless a trace tells of the copies and of their release.
-static Attribute *Nest (Window window, const SequenceCursor *cursor, Attribute **elements) {
-    Attribute *list = Log_Is_Read (LOG_TRACE5) ? DICOM_Attribute_Format (window, cursor->settings, *elements)
-                                               : DICOM_Attribute_Format_Own (window, cursor->settings, elements);
+// The records of the elements become those of the nested list, unless a trace tells of the copies and of their release. What
+// the later phases would drop goes at once, unless a trace shows the list before. left is what they have to do.
+static Attribute *Nest (Window window, const SequenceCursor *cursor, Attribute **elements, unsigned *left) {
+    Attribute *list;
+    *left = FORMAT_LEFT_VALUES | FORMAT_LEFT_STRUCTURE;
+    if (Log_Is_Read (LOG_TRACE5)) list = DICOM_Attribute_Format (window, cursor->settings, *elements);
+    else if (Log_Is_Read (LOG_TRACE2)) list = DICOM_Attribute_Format_Own (window, cursor->settings, elements);
+    else list = DICOM_Attribute_Format_Lean (window, cursor->settings, elements, left);
     if (!list) Log_Message (window, LOG_TRACE1, "Failed in DICOM_Attribute_Format()");
     return list;
 }
@@ -329,8 +333,7 @@ static Attribute *Nest (Window window, const SequenceCursor *cursor, Attribute *
 // Every value is checked against its VR's rules as it was read, and then corrected.
 static void Clean (Window window, SequenceCursor *cursor, Attribute *list) {
     DICOM_Attribute_Sequence_Reset (window, cursor);
-    DICOM_Attribute_Syntax_Walk (window, cursor, list);
-    DICOM_Attribute_Cleanup_Walk (window, cursor, list);
+    DICOM_Attribute_Check_And_Clean (window, cursor, list);
 }
 
 static void Complete (Window window, SequenceCursor *cursor, Attribute *list) {
@@ -351,8 +354,9 @@ Attribute *File_Read_List (Window window, SequenceCursor *cursor, const char *na
     DICOM_Attribute_Sequence_Reset (window, cursor);
 
     Log_Section (window, LOG_TRACE2, "-----                        Cleanup DICOM Tags                           -----");
-    Attribute *list = Nest (window, cursor, &elements);
-    if (list) Clean (window, cursor, list);
+    unsigned   left;
+    Attribute *list = Nest (window, cursor, &elements, &left);
+    if (list && (left & FORMAT_LEFT_VALUES)) Clean (window, cursor, list);
     List_Delete (window, cursor, &elements);
     if (!list) return nullptr;
     Trace_List (window, cursor, list,
@@ -360,7 +364,7 @@ Attribute *File_Read_List (Window window, SequenceCursor *cursor, const char *na
 
     Log_Section (window, LOG_TRACE2, "-----           Complementing the info                                    -----");
     Complete (window, cursor, list);
-    Drop_Structure (window, cursor, &list);
+    if (left & FORMAT_LEFT_STRUCTURE) Drop_Structure (window, cursor, &list);
     Trace_List (window, cursor, list,
                 "-----                       Stool After Complement                        -----");
     return list;

@@ -423,3 +423,20 @@ int DICOM_Attribute_Cleanup_Walk (Window window, SequenceCursor *cursor, Attribu
     Attribute_Walk (window, cursor, list, LOG_TRACE5, Clean_Attribute);
     return 1;
 }
+
+static void Check_Unless_Right (Window window, SequenceCursor *cursor, Attribute *attribute) {
+    if (attribute->right || Syntax_Glance (window, cursor->settings, attribute)) return;
+    DICOM_Attribute_Syntax_Tag (window, cursor->settings, attribute);
+}
+
+// The mark goes with its use: what changes the value later need not know of it.
+static void Clean_Unless_Right (Window window, SequenceCursor *cursor, Attribute *attribute) {
+    if (!attribute->right) Clean_Attribute (window, cursor, attribute);
+    attribute->right = 0;
+}
+
+int DICOM_Attribute_Check_And_Clean (Window window, SequenceCursor *cursor, Attribute *list) {
+    Attribute_Walk (window, cursor, list, LOG_TRACE5, Check_Unless_Right);
+    Attribute_Walk (window, cursor, list, LOG_TRACE5, Clean_Unless_Right);
+    return 1;
+}

@@ -166,7 +166,7 @@ struct Byte_Classes {
     uint32_t of[256];
 };
 
-static constexpr uint32_t CLASS_BACKSLASH = 0x80000000u; // Between values.
+static constexpr uint32_t CLASS_NO_BACKSLASH = 0x80000000u; // What is none between values.
 
 static_assert (RULES < 32, "a rule is a bit of a byte's class");
 
@@ -180,13 +180,24 @@ static constexpr Byte_Classes Byte_Classes_Make (void) {
         for (int byte = rules[i].form == SYNTAX_TITLE ? 0x20 : 1; byte <= last && !rules[i].set; byte++)
             classes.of[byte] |= rule;
     }
-    classes.of[static_cast<uint8_t> ('\\')] |= CLASS_BACKSLASH;
+    for (int byte = 0; byte <= 0xFF; byte++)
+        if (byte != '\\') classes.of[byte] |= CLASS_NO_BACKSLASH;
     return classes;
 }
 
 static constexpr Byte_Classes byte_classes = Byte_Classes_Make ();
 
 static int Is_Blank (uint8_t byte) { return byte == ' ' || byte == '\t'; }
+
+// The classes that all bytes have in common. This sees every byte of every text, so four go at once.
+static uint32_t Classes_Of_All (const uint8_t *bytes, int32_t count) {
+    const uint32_t *of  = byte_classes.of;
+    uint32_t        all = ~0u;
+    int32_t         i   = 0;
+    for (; i + 4 <= count; i += 4) all &= of[bytes[i]] & of[bytes[i + 1]] & of[bytes[i + 2]] & of[bytes[i + 3]];
+    for (; i < count; i++) all &= of[bytes[i]];
+    return all;
+}
 
 // The number of values between backslashes, or 0 when one is too long or has blanks around it.
 static int32_t Right_Pieces (const uint8_t *bytes, int32_t length, int32_t max) {
@@ -211,14 +222,9 @@ static int32_t Right_Text (const Syntax_Rule *rule, const Attribute *attribute, 
     end -= padded;
     if (end <= 0 || bytes[end - 1] == '\\') return 0;
 
-    uint32_t all = ~0u, any = 0;
-    for (int32_t i = 0; i < end; i++) {
-        uint32_t is = byte_classes.of[bytes[i]];
-        all &= is;
-        any |= is;
-    }
+    uint32_t all = Classes_Of_All (bytes, end);
     if (!(all >> (rule - rules) & 1)) return 0;
-    if (any & CLASS_BACKSLASH) return Right_Pieces (bytes, end, max - padded);
+    if (!(all & CLASS_NO_BACKSLASH)) return Right_Pieces (bytes, end, max - padded);
     return end + padded <= max && !Is_Blank (bytes[0]) && !Is_Blank (bytes[end - 1]);
 }
 
@@ -259,6 +265,15 @@ int Syntax_Glance (Window window, const Settings *settings, const Attribute *att
     int32_t count = Right_Values (run.rule, attribute);
     if (count > 0) Syntax_Multiplicity (&run, attribute, count);
     return count > 0;
+}
+
+int Syntax_Is_Right (const Attribute *attribute) {
+    if (attribute->mode & MODE_BIG_ENDIAN) return 0;
+    if (!attribute->data) return 1;
+    Syntax_Run silent = {nullptr, nullptr, Syntax_Rule_Of (Attribute_VR (attribute)), 0};
+    if (!silent.rule) return attribute->length >= 0;
+    int32_t count = Right_Values (silent.rule, attribute);
+    return count > 0 && Syntax_Multiplicity (&silent, attribute, count);
 }
 
 // --- text ------------------------------------------------------------------

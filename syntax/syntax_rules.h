@@ -64,6 +64,9 @@ void Syntax_Note (const Syntax_Run *run, const Attribute *attribute, const char 
 // a closer look, also when traces are to tell of every step.
 int Syntax_Glance (Window window, const Settings *settings, const Attribute *attribute);
 
+// 1 when both passes have nothing to say and nothing to change, not even its byte order. Says nothing itself.
+int Syntax_Is_Right (const Attribute *attribute);
+
 // --- what check and cleanup share ------------------------------------------
 
 // Compares the number of values with the dictionary's multiplicity: 1, or 0 after a warning.

@@ -5,7 +5,10 @@
 #include <random>
 
 #include "attribute/NEMA_Tag_Attribute.h"
+#include "attribute/NEMA_Tag_Complement.h"
 #include "attribute/value.h"
+#include "syntax/cleanup.h"
+#include "syntax/syntax_check.h"
 #include "tables/data_dictionary.h"
 #include "tests/support/lists.h"
 #include "tests/support/log_recorder.h"
@@ -690,9 +693,9 @@ static std::string Fields (const Attribute *list) {
     std::string text;
     char        line[128];
     for (; list; list = list->next) {
-        snprintf (line, sizeof line, "%u (%04x,%04x) %x %x %x %x %d %u %u %s\n", list->level, list->group,
+        snprintf (line, sizeof line, "%u (%04x,%04x) %x %x %x %x %d %u %u %s %s\n", list->level, list->group,
                   list->element, list->flags, list->vr_file, list->vr, list->mode, list->length, list->pos_tag,
-                  list->pos_data, Value (list).c_str ());
+                  list->pos_data, Value (list).c_str (), list->description ? list->description : "-");
         text += line;
         for (int32_t i = 0; i < list->nb_item; i++) text += "[" + Fields (list->item[i]) + "]";
     }
@@ -716,6 +719,8 @@ static void Add_Random (Flat *flat, std::mt19937 *random) {
     case 6: record = flat->Length (length, group, tag, below (2) ? "" : below (2) ? "OB" : "UT"); break;
     default: record = flat->Add (group, tag, below (3) ? "SH" : below (2) ? "" : "OX", below (2) ? "VALUE " : "12");
     }
+    if (record && record->data && !below (4)) record->vr_file = below (2) ? VR_CS : VR_US;
+    if (record && record->data && !below (4)) record->mode |= MODE_BIG_ENDIAN;
     if (record && below (2)) record->definition = Dictionary_Lookup (nullptr, group, tag);
 }
 
@@ -742,6 +747,60 @@ TEST (Format, AListGivenAwayBecomesWhatItsCopyWouldBe) {
         }
         ASSERT_EQ (before, Memory_Live ()) << seed;
     }
+}
+
+// The passes of a reader behind the nested list, one by one, or only those that a lean list has left.
+static std::string Read_On (Attribute **list, unsigned left, int lean) {
+    SequenceCursor cursor = {};
+    cursor.settings       = &warning_settings;
+    if (lean && (left & FORMAT_LEFT_VALUES)) DICOM_Attribute_Check_And_Clean (nullptr, &cursor, *list);
+    if (!lean) DICOM_Attribute_Syntax_Walk (nullptr, &cursor, *list);
+    if (!lean) DICOM_Attribute_Cleanup_Walk (nullptr, &cursor, *list);
+    cursor          = {};
+    cursor.settings = &warning_settings;
+    DICOM_Attribute_Complement (nullptr, &cursor, *list);
+    if (left & FORMAT_LEFT_STRUCTURE) DICOM_Attribute_Delete (nullptr, &cursor, list, GROUP_DELIMITER, TAG_ANY);
+    std::string fields = Fields (*list);
+    DICOM_Attribute_Delete (nullptr, &cursor, list, TAG_ANY, TAG_ANY);
+    return fields;
+}
+
+static void Empty_Last (Test_List *list) {
+    Attribute *last = list->first->last;
+    if (!last->data) return;
+    Value_Release (last);
+    last->length = 0;
+}
+
+TEST (Format, ALeanListComesToWhatAllPassesMakeOfAWholeOne) {
+    static const unsigned ALL = FORMAT_LEFT_VALUES | FORMAT_LEFT_STRUCTURE;
+    Dictionary_Build (nullptr);
+    int times[ALL + 1] = {};
+    for (uint32_t seed = 0; seed < 6000; seed++) {
+        long before = Memory_Live ();
+        {
+            Flat         whole, lean;
+            unsigned     left;
+            std::mt19937 random (seed), again (seed);
+            for (uint32_t i = seed % 60; i > 0; i--) {
+                Add_Random (&whole, &random);
+                Add_Random (&lean, &again);
+                if (seed % 7) continue; // Elsewhere values are mostly wrong.
+                for (Flat *flat : {&whole, &lean}) Empty_Last (&flat->list);
+            }
+            Log_Recorder first_said;
+            Attribute   *first    = DICOM_Attribute_Format_Own (nullptr, &warning_settings, &whole.list.first);
+            std::string  expected = Read_On (&first, ALL, 0);
+            Log_Recorder second_said;
+            Attribute   *second = DICOM_Attribute_Format_Lean (nullptr, &warning_settings, &lean.list.first, &left);
+            EXPECT_EQ (nullptr, lean.list.first);
+            times[left]++;
+            ASSERT_EQ (expected, Read_On (&second, left, 1)) << seed;
+            ASSERT_EQ (first_said.All (), second_said.All ()) << seed;
+        }
+        ASSERT_EQ (before, Memory_Live ()) << seed;
+    }
+    for (int count : times) EXPECT_GT (count, 20);
 }
 
 TEST (Format, ARecordThatCannotBeTakenOverStaysWithTheGiver) {

@@ -90,7 +90,7 @@ struct Attribute {
     uint16_t    vr;             // VR of dictionary or definition, 0 when unknown.
     uint16_t    type;           // "1 ", "1C", "2 ", "2C", "3 " or 0.
     uint8_t     unordered : 1;  // First record of a list only: 1 when some record is smaller than the one before it.
-    uint8_t     right : 1;      // From DICOM_Attribute_Format_Lean to DICOM_Attribute_Check_And_Clean only: the value is.
+    uint8_t     right : 1;      // The value is. For DICOM_Attribute_Check_And_Clean only.
     uint8_t     room;           // Bytes behind the record for its first value, 0 for none; of attribute/value.h.
     int32_t     vm;             // Values found by the last decoding call.
     int32_t     diff_a;         // Compared quantities; merged list only.

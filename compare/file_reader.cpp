@@ -318,8 +318,8 @@ static void Trace_List (Window window, SequenceCursor *cursor, Attribute *list, 
     DICOM_Attribute_List (window, cursor, list, LOG_TRACE2);
 }
 
-// The records of the elements become those of the nested list, unless a trace tells of the copies and of their release. What
-// the later phases would drop goes at once, unless a trace shows the list before. left is what they have to do.
+// The records of the elements become those of the nested list, unless a trace tells of the copies and of their release.
+// What the later phases would drop goes at once, unless a trace shows the list before. left is what they have to do.
 static Attribute *Nest (Window window, const SequenceCursor *cursor, Attribute **elements, unsigned *left) {
     Attribute *list;
     *left = FORMAT_LEFT_VALUES | FORMAT_LEFT_STRUCTURE;

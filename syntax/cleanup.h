@@ -8,8 +8,8 @@
 // Brings every attribute of the list and of its items into order and corrects it. Returns 1.
 int DICOM_Attribute_Cleanup_Walk (Window window, SequenceCursor *cursor, Attribute *list);
 
-// Both passes over a list that comes from DICOM_Attribute_Format_Lean, one behind the other: the check, then this one. They
-// leave out the values that were found right there and weren't touched since. Returns 1.
+// Both passes over a list that comes from DICOM_Attribute_Format_Lean, one behind the other: the check, then this one.
+// They leave out the values that were found right there. Nothing may change values in between. Returns 1.
 int DICOM_Attribute_Check_And_Clean (Window window, SequenceCursor *cursor, Attribute *list);
 
 int DICOM_Attribute_Cleanup_Swab (Window window, Attribute *attribute);     // As DICOM_Attribute_Syntax_Swab.

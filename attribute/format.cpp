@@ -9,7 +9,6 @@
 #include "attribute/NEMA_Tag_Copy.h"
 #include "attribute/messages.h"
 #include "nema/NEMA_Read_Data.h"
-#include "syntax/syntax_rules.h"
 #include "tables/data_dictionary.h"
 
 // --- VR check --------------------------------------------------------------
@@ -192,7 +191,7 @@ struct Format_Pass {
     int32_t         End_Of_Item[SEQUENCE_DEPTHS];
     int             sort_warned;
     int             owns;      // 1: flat records are taken over, 0: copied.
-    int             lean;      // 1: owns, values are looked at, and what only tells structure goes.
+    Attribute_Test  is_right;  // None unless the list is to be lean: owns, and what only tells structure goes.
     int32_t         structure; // Records of structure in the list.
     unsigned        left;      // FORMAT_LEFT_...
     Attribute      *list;
@@ -402,13 +401,13 @@ static Attribute *Place_Lean (Format_Pass *pass, Attribute *record, int *shed) {
 
 // The record of the nested list, or none when memory ran out.
 static Attribute *Place (Format_Pass *pass, Attribute *record, int *shed) {
-    if (pass->lean) return Place_Lean (pass, record, shed);
+    if (pass->is_right) return Place_Lean (pass, record, shed);
     if (!pass->owns) return DICOM_Attribute_Insert (pass->window, &pass->cursor, &pass->list, record, 0);
     return DICOM_Attribute_Adopt (pass->window, &pass->cursor, &pass->path, record) ? record : nullptr;
 }
 
 static void Look_At (Format_Pass *pass, Attribute *record) {
-    record->right = Syntax_Is_Right (record) ? 1 : 0;
+    record->right = pass->is_right (record) ? 1 : 0;
     if (!record->right) pass->left |= FORMAT_LEFT_VALUES;
 }
 
@@ -433,13 +432,14 @@ static int Format_Record (Format_Pass *pass, Attribute *record) {
         Stop_Item_By_Size (pass, record);
     }
     if (shed) DICOM_Attribute_Free (pass->window, record);
-    else if (pass->lean) Look_At (pass, record);
+    else if (pass->is_right) Look_At (pass, record);
     return 1;
 }
 
-// The nested list, or none. The record that there was no memory for is left in *flat. left is none unless the list is to
-// be lean.
-static Attribute *Format (Window window, const Settings *settings, Attribute **flat, int owns, unsigned *left) {
+// The nested list, or none. The record that there was no memory for is left in *flat. is_right and left are none unless the
+// list is to be lean.
+static Attribute *Format (Window window, const Settings *settings, Attribute **flat, int owns, Attribute_Test is_right,
+                          unsigned *left) {
     static const Settings silent = {};
 
     Log_Message (window, LOG_TRACE4, "in DICOM_Attribute_Format()");
@@ -448,7 +448,7 @@ static Attribute *Format (Window window, const Settings *settings, Attribute **f
     pass.settings        = settings ? settings : &silent;
     pass.cursor.settings = pass.settings;
     pass.owns            = owns;
-    pass.lean            = left != nullptr;
+    pass.is_right        = is_right;
     pass.path.place[0]   = &pass.list;
     for (int depth = 0; depth < SEQUENCE_DEPTHS; depth++) pass.End_Of_Sequence[depth] = pass.End_Of_Item[depth] = -1;
     DICOM_Attribute_Sequence_Reset (window, &pass.cursor);
@@ -464,14 +464,15 @@ static Attribute *Format (Window window, const Settings *settings, Attribute **f
 }
 
 Attribute *DICOM_Attribute_Format (Window window, const Settings *settings, Attribute *flat_first) {
-    return Format (window, settings, &flat_first, 0, nullptr);
+    return Format (window, settings, &flat_first, 0, nullptr, nullptr);
 }
 
 Attribute *DICOM_Attribute_Format_Own (Window window, const Settings *settings, Attribute **flat) {
-    return Format (window, settings, flat, 1, nullptr);
+    return Format (window, settings, flat, 1, nullptr, nullptr);
 }
 
-Attribute *DICOM_Attribute_Format_Lean (Window window, const Settings *settings, Attribute **flat, unsigned *left) {
+Attribute *DICOM_Attribute_Format_Lean (Window window, const Settings *settings, Attribute **flat,
+                                        Attribute_Test is_right, unsigned *left) {
     *left = 0;
-    return Format (window, settings, flat, 1, left);
+    return Format (window, settings, flat, 1, is_right, left);
 }

@@ -21,10 +21,14 @@ enum {
     FORMAT_LEFT_STRUCTURE = 2   // Records of items and delimiters to be dropped.
 };
 
+// 1 when the attribute's value is as those passes would leave it.
+typedef int (*Attribute_Test) (const Attribute *attribute);
+
 // As DICOM_Attribute_Format_Own for a caller that corrects the values next and drops the records that tell structure.
 // Those go here already, but for one in each item without others, since walks stop at an item without records. Values
-// that are right are marked; left tells which of the passes have something to do at all.
-Attribute *DICOM_Attribute_Format_Lean (Window window, const Settings *settings, Attribute **flat, unsigned *left);
+// that is_right finds so are marked; left tells which of the passes have something to do at all.
+Attribute *DICOM_Attribute_Format_Lean (Window window, const Settings *settings, Attribute **flat,
+                                        Attribute_Test is_right, unsigned *left);
 
 // Drops an explicit VR that isn't known and guesses a missing one from the value. 1, or 0 when the explicit VR isn't one
 // of the dictionary's or nothing could be guessed.

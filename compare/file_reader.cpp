@@ -13,7 +13,7 @@
 #include "nema/NEMA_Read_Data.h"
 #include "nema/NEMA_Read_TAG.h"
 #include "syntax/cleanup.h"
-#include "syntax/syntax_check.h"
+#include "syntax/syntax_rules.h"
 #include "tables/data_dictionary.h"
 #include "util/error_text.h"
 #include "util/my_error_fct.h"
@@ -325,7 +325,7 @@ static Attribute *Nest (Window window, const SequenceCursor *cursor, Attribute *
     *left = FORMAT_LEFT_VALUES | FORMAT_LEFT_STRUCTURE;
     if (Log_Is_Read (LOG_TRACE5)) list = DICOM_Attribute_Format (window, cursor->settings, *elements);
     else if (Log_Is_Read (LOG_TRACE2)) list = DICOM_Attribute_Format_Own (window, cursor->settings, elements);
-    else list = DICOM_Attribute_Format_Lean (window, cursor->settings, elements, left);
+    else list = DICOM_Attribute_Format_Lean (window, cursor->settings, elements, Syntax_Is_Right, left);
     if (!list) Log_Message (window, LOG_TRACE1, "Failed in DICOM_Attribute_Format()");
     return list;
 }

@@ -9,6 +9,7 @@
 #include "attribute/value.h"
 #include "syntax/cleanup.h"
 #include "syntax/syntax_check.h"
+#include "syntax/syntax_rules.h"
 #include "tables/data_dictionary.h"
 #include "tests/support/lists.h"
 #include "tests/support/log_recorder.h"
@@ -792,7 +793,8 @@ TEST (Format, ALeanListComesToWhatAllPassesMakeOfAWholeOne) {
             Attribute   *first    = DICOM_Attribute_Format_Own (nullptr, &warning_settings, &whole.list.first);
             std::string  expected = Read_On (&first, ALL, 0);
             Log_Recorder second_said;
-            Attribute   *second = DICOM_Attribute_Format_Lean (nullptr, &warning_settings, &lean.list.first, &left);
+            Attribute   *second =
+                DICOM_Attribute_Format_Lean (nullptr, &warning_settings, &lean.list.first, Syntax_Is_Right, &left);
             EXPECT_EQ (nullptr, lean.list.first);
             times[left]++;
             ASSERT_EQ (expected, Read_On (&second, left, 1)) << seed;

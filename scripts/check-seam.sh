@@ -24,8 +24,8 @@ standard_cpp="algorithm any array atomic bitset cassert cctype cerrno cfenv cflo
 order="app: app view compare attribute nema tables syntax tools util platform
 view: view compare attribute nema tables syntax tools util platform
 compare: compare attribute nema tables syntax util platform
-attribute: attribute nema tables syntax util platform
-nema: attribute nema tables syntax util platform
+attribute: attribute nema tables util platform
+nema: attribute nema tables util platform
 tables: attribute nema tables syntax util platform
 syntax: attribute nema tables syntax util platform
 tools: tools util platform

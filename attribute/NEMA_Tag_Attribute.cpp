@@ -347,9 +347,7 @@ Attribute **DICOM_Attribute_Adopt_Place (Window window, SequenceCursor *cursor, 
     return path->place[cursor->depth];
 }
 
-int DICOM_Attribute_Adopt (Window window, SequenceCursor *cursor, Insert_Path *path, Attribute *record) {
-    Attribute **place = DICOM_Attribute_Adopt_Place (window, cursor, path, record);
-    if (!place) return 0;
+void DICOM_Attribute_Adopt_At (Window window, SequenceCursor *cursor, Attribute **place, Attribute *record) {
     if (record->index) List_Index_Free (record);
     record->next      = nullptr;
     record->last      = nullptr;
@@ -359,7 +357,12 @@ int DICOM_Attribute_Adopt (Window window, SequenceCursor *cursor, Insert_Path *p
     if (*place) List_Append (*place, record);
     else *place = record->last = record;
     Attribute_Copy_Kept (window, cursor, record);
-    return 1;
+}
+
+int DICOM_Attribute_Adopt (Window window, SequenceCursor *cursor, Insert_Path *path, Attribute *record) {
+    Attribute **place = DICOM_Attribute_Adopt_Place (window, cursor, path, record);
+    if (place) DICOM_Attribute_Adopt_At (window, cursor, place, record);
+    return place != nullptr;
 }
 
 // Puts a new record before the first one.

@@ -43,9 +43,11 @@ inline void Insert_Path_Cut (Insert_Path *path, int32_t depth) { if (path->depth
 // stays with the caller.
 int DICOM_Attribute_Adopt (Window window, SequenceCursor *cursor, Insert_Path *path, Attribute *record);
 
-// The place of the list that the record would be appended to, with all that is made on the way. None on failure.
+// Its two steps: the place of the list that the record would be appended to, with all that is made on the way, or none on
+// failure; and the appending there, which can't fail.
 Attribute **DICOM_Attribute_Adopt_Place (Window window, SequenceCursor *cursor, Insert_Path *path,
                                          const Attribute *record);
+void DICOM_Attribute_Adopt_At (Window window, SequenceCursor *cursor, Attribute **place, Attribute *record);
 
 // A record with these fields that is in no list, with room for a value of so many bytes (Value_New_In_Room). What fields
 // owns passes to it. None on failure.

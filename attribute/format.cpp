@@ -396,7 +396,8 @@ static Attribute *Place_Lean (Format_Pass *pass, Attribute *record, int *shed) {
     }
     Replace_Structure (pass, place);
     pass->structure += record->group == GROUP_DELIMITER;
-    return DICOM_Attribute_Adopt (pass->window, &pass->cursor, &pass->path, record) ? record : nullptr;
+    DICOM_Attribute_Adopt_At (pass->window, &pass->cursor, place, record);
+    return record;
 }
 
 // The record of the nested list, or none when memory ran out.

@@ -89,6 +89,7 @@ says () { # what it should say, why it should
 export_of
 run
 [ $status -eq 0 ] || fail "all is covered, yet: $status ($output)"
+[ -f "$stage/build/coverage/uncovered.txt" ] || fail "says nowhere what is not covered"
 [ -z "$uncovered" ] || fail "all is covered, yet: $uncovered"
 [[ "$output" =~ nema/one.cpp\ +4/4\ +100.0\ %\ +2/2\ +100.0\ % ]] || fail "no row of a file: $output"
 [[ "$output" =~ platform/posix\ +4/4\ +100.0\ %\ +2/2\ +100.0\ % ]] || fail "no row of a folder: $output"

@@ -212,6 +212,12 @@ static void Look_Up (Window window, Attribute *attribute) {
     if (attribute->definition && !attribute->vr) attribute->vr = attribute->definition->vr[0];
 }
 
+// What Complement_One asks for, without looking at values: 1 only where it finds nothing to do.
+int DICOM_Attribute_Is_Complete (const Attribute *attribute) {
+    return attribute->definition && attribute->vr && attribute->element != 0 && !(attribute->group & 1) &&
+           !(attribute->flags & PRIVATE) && attribute->group != GROUP_PIXEL && attribute->group != GROUP_DELIMITER;
+}
+
 // A later rule replaces what an earlier one said.
 static void Complement_One (Window window, const Settings *settings, Creators *creators, Attribute *attribute) {
     uint16_t group      = attribute->group;
@@ -251,6 +257,15 @@ int DICOM_Attribute_Complement (Window window, SequenceCursor *cursor, Attribute
     Creators creators;
     Creators_Gather (window, &creators, first);
     Complement_List (window, cursor, &creators, first);
+    Memory_Free (creators.slots);
+    return 0;
+}
+
+int DICOM_Attribute_Complement_Top (Window window, SequenceCursor *cursor, Attribute *first) {
+    Creators creators;
+    Creators_Gather (window, &creators, first);
+    for (Attribute *record = first; record; record = record->next)
+        Complement_One (window, cursor->settings, &creators, record);
     Memory_Free (creators.slots);
     return 0;
 }

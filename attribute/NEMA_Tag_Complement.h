@@ -13,6 +13,12 @@ static const int    CREATOR_NAME_LENGTH   = 64;     // Bytes of a private creato
 // 0: a description that there is no memory for is reported and left out.
 int DICOM_Attribute_Complement (Window window, SequenceCursor *cursor, Attribute *first);
 
+// The same for a list in whose items there is nothing to complete: they are left alone, and not traced.
+int DICOM_Attribute_Complement_Top (Window window, SequenceCursor *cursor, Attribute *first);
+
+// 1 when the pass is known to leave the attribute as it is; its items aren't asked about.
+int DICOM_Attribute_Is_Complete (const Attribute *attribute);
+
 // Replaces the description by a formatted text, by none when that is empty. A vr that is not 0 becomes the attribute's.
 // 1, or 0 after the strdup message; then there is no description.
 int DICOM_Attribute_Set_Description (Window window, Attribute *attribute, uint16_t vr, const char *format, ...)

@@ -6,6 +6,7 @@
 #include <string.h>
 
 #include "attribute/NEMA_Tag_Attribute.h"
+#include "attribute/NEMA_Tag_Complement.h"
 #include "attribute/NEMA_Tag_Copy.h"
 #include "attribute/messages.h"
 #include "nema/NEMA_Read_Data.h"
@@ -407,9 +408,15 @@ static Attribute *Place (Format_Pass *pass, Attribute *record, int *shed) {
     return DICOM_Attribute_Adopt (pass->window, &pass->cursor, &pass->path, record) ? record : nullptr;
 }
 
+// Records of structure are counted instead, since most of them don't stay.
+static int Is_To_Complete (const Attribute *record, int depth) {
+    return depth > 0 && record->group != GROUP_DELIMITER && !DICOM_Attribute_Is_Complete (record);
+}
+
 static void Look_At (Format_Pass *pass, Attribute *record) {
     record->right = pass->is_right (record) ? 1 : 0;
     if (!record->right) pass->left |= FORMAT_LEFT_VALUES;
+    if (Is_To_Complete (record, record->level)) pass->left |= FORMAT_LEFT_DESCRIPTIONS;
 }
 
 // 0 when memory ran out.
@@ -460,7 +467,8 @@ static Attribute *Format (Window window, const Settings *settings, Attribute **f
         DICOM_Attribute_Delete (window, &pass.cursor, &pass.list, TAG_ANY, TAG_ANY);
         return nullptr;
     }
-    if (left) *left = pass.left | (pass.structure ? FORMAT_LEFT_STRUCTURE : 0);
+    if (pass.structure) pass.left |= FORMAT_LEFT_STRUCTURE | FORMAT_LEFT_DESCRIPTIONS;
+    if (left) *left = pass.left;
     return pass.list;
 }
 

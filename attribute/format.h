@@ -17,8 +17,10 @@ Attribute *DICOM_Attribute_Format_Own (Window window, const Settings *settings, 
 
 // What a list from DICOM_Attribute_Format_Lean has left for the passes that follow.
 enum {
-    FORMAT_LEFT_VALUES    = 1,  // Values to be looked at closely: DICOM_Attribute_Check_And_Clean.
-    FORMAT_LEFT_STRUCTURE = 2   // Records of items and delimiters to be dropped.
+    FORMAT_LEFT_VALUES       = 1,   // Values to be looked at closely: DICOM_Attribute_Check_And_Clean.
+    FORMAT_LEFT_STRUCTURE    = 2,   // Records of items and delimiters to be dropped.
+    FORMAT_LEFT_DESCRIPTIONS = 4,   // Records in items to be completed: DICOM_Attribute_Complement.
+    FORMAT_LEFT_ALL          = 7
 };
 
 // 1 when the attribute's value is as those passes would leave it.

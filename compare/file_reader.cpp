@@ -322,7 +322,7 @@ static void Trace_List (Window window, SequenceCursor *cursor, Attribute *list, 
 // What the later phases would drop goes at once, unless a trace shows the list before. left is what they have to do.
 static Attribute *Nest (Window window, const SequenceCursor *cursor, Attribute **elements, unsigned *left) {
     Attribute *list;
-    *left = FORMAT_LEFT_VALUES | FORMAT_LEFT_STRUCTURE;
+    *left = FORMAT_LEFT_ALL;
     if (Log_Is_Read (LOG_TRACE5)) list = DICOM_Attribute_Format (window, cursor->settings, *elements);
     else if (Log_Is_Read (LOG_TRACE2)) list = DICOM_Attribute_Format_Own (window, cursor->settings, elements);
     else list = DICOM_Attribute_Format_Lean (window, cursor->settings, elements, Syntax_Is_Right, left);
@@ -336,9 +336,10 @@ static void Clean (Window window, SequenceCursor *cursor, Attribute *list) {
     DICOM_Attribute_Check_And_Clean (window, cursor, list);
 }
 
-static void Complete (Window window, SequenceCursor *cursor, Attribute *list) {
+static void Complete (Window window, SequenceCursor *cursor, Attribute *list, unsigned left) {
     DICOM_Attribute_Sequence_Reset (window, cursor);
-    DICOM_Attribute_Complement (window, cursor, list);
+    if (left & FORMAT_LEFT_DESCRIPTIONS) DICOM_Attribute_Complement (window, cursor, list);
+    else DICOM_Attribute_Complement_Top (window, cursor, list);
 }
 
 static void Drop_Structure (Window window, SequenceCursor *cursor, Attribute **list) {
@@ -363,7 +364,7 @@ Attribute *File_Read_List (Window window, SequenceCursor *cursor, const char *na
                 "-----                       Stool After Cleanup                          ----- ");
 
     Log_Section (window, LOG_TRACE2, "-----           Complementing the info                                    -----");
-    Complete (window, cursor, list);
+    Complete (window, cursor, list, left);
     if (left & FORMAT_LEFT_STRUCTURE) Drop_Structure (window, cursor, &list);
     Trace_List (window, cursor, list,
                 "-----                       Stool After Complement                        -----");

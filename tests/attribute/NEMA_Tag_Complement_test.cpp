@@ -612,3 +612,54 @@ TEST (NemaTagComplement, ManyPrivateAttributesCostLinearTime) {
     double few = measure (25000), many = measure (100000);
     EXPECT_LT (many, 4 * 3 * few + 0.25);
 }
+
+// --- complete records ------------------------------------------------------
+
+static std::string State (const Attribute *record) {
+    return Description (record) + "|" + VR (record) + "|" + (record->definition ? record->definition->name : "-");
+}
+
+// Whatever is called complete stays as it is, and of a known tag outside of the special groups that is so.
+TEST (NemaTagComplement, CompleteRecordsAreLeftAsTheyAre) {
+    static const Dictionary_Entry NAMED    = {0, 0, 0xFFFF, 1, "named", {VR_ST}, {{1, 1}}};
+    int                           complete = 0;
+    for (uint16_t group : std::initializer_list<uint16_t> {0x0008, 0x0009, 0x0010, 0x1000, 0x7EFE, 0x7F00, 0x7F02,
+                                                           0x7FDE, 0x7FE0, 0x7FE1, 0xFFFC, 0xFFFE})
+        for (uint16_t element :
+             std::initializer_list<uint16_t> {0x0000, 0x0010, 0x0011, 0x0013, 0x1001, 0xE000, 0xE00D, 0xE0DD})
+            for (int kind = 0; kind < 16; kind++) {
+                Test_List list;
+                if (group & 1) list.Add (group, 0x0010, "LO", "ACME 1.0");
+                Attribute *record  = list.Add (group, element, "", "1234");
+                record->definition = kind & 1 ? &NAMED : nullptr;
+                record->vr         = kind & 2 ? VR_UN : 0;
+                record->flags      = static_cast<uint16_t> (ORIGIN_DICOM | (kind & 4 ? PRIVATE : 0));
+                if (kind & 8) DICOM_Attribute_Set_Description (nullptr, record, 0, "old");
+                std::string before   = State (record);
+                int         is_whole = DICOM_Attribute_Is_Complete (record);
+                Complement (&list);
+                EXPECT_EQ (is_whole ? before : State (record), State (record))
+                    << group << "," << element << " " << kind;
+                complete += is_whole;
+            }
+    EXPECT_EQ (8 * 7 * 2, complete); // Groups, elements, with and without description.
+}
+
+TEST (NemaTagComplement, TopListAloneLeavesItemsAsTheyAre) {
+    Test_List list;
+    list.Add (0x0009, 0x0010, "LO", "ACME 1.0");
+    list.Add (0x0009, 0x1001);
+    list.Open (0x0032, 0x1064);
+    list.Item ();
+    Attribute *inside = list.Add (0x0009, 0x1002);
+    list.Close ();
+    list.Add (0x7FE0, 0x0010);
+    list.Reset ();
+    EXPECT_EQ (0, DICOM_Attribute_Complement_Top (nullptr, &list.cursor, list.first));
+    std::string text = All_Descriptions (list.first);
+    EXPECT_EQ ("(none)", Description (inside));
+    Complement (&list);
+    EXPECT_EQ ("ACME 1.0", Description (inside));
+    EXPECT_EQ ("Private Creator Data Element;ACME 1.0;(none);[(none);]Pixel Data;", text);
+    EXPECT_EQ (0, list.cursor.depth);
+}

@@ -1,8 +1,11 @@
 // Lists are made of millions of small blocks, most of which come and go together. They stand side by side in slabs, one size
 // a slab, which costs less time and less memory than asking the C allocator for each; larger blocks come from there. Where
 // there are many slabs they are parts of chunks, for which the system has large pages: of small ones, taking and returning
-// each costs more than a thousand instructions. A slab whose last block is freed goes, too, and so does a chunk. Under the address sanitizer every block is the C allocator's own, so that it sees
-// each misuse. One counter lets tests fail any allocation, one counts the living blocks.
+// each costs more than a thousand instructions. A slab whose last block is freed goes, too, and so does a chunk. Under the
+// address sanitizer every block is the C allocator's own, so that it sees each misuse. One counter lets tests fail any
+// allocation, one counts the living blocks.
+//
+// Taking and freeing a small block is a few steps in one function each; what is rarely done stays out of it.
 #include "util/memory.h"
 
 #include <stdint.h>
@@ -17,8 +20,7 @@ static long fail_left;      // When the countdown stands at 1, so many allocatio
 static int  fail_done;
 static long live;
 
-static int Fails_Now (void) {
-    if (!fail_countdown) return 0;
+__attribute__ ((noinline)) static int Fails_Counted (void) {
     if (fail_countdown > 1) {
         fail_countdown--;
         return 0;
@@ -28,6 +30,8 @@ static int Fails_Now (void) {
     return 1;
 }
 
+static inline int Fails_Now (void) { return __builtin_expect (fail_countdown != 0, 0) && Fails_Counted (); }
+
 void Memory_Report (Window window, const Memory_Site *site, const char *call) {
     Log_Message (window, LOG_ERROR, "line %-4d of %s \nmemory error in %s (var=%s, dim=%dx%d)", site->line,
                  site->module, call, site->variable, site->count, site->size);
@@ -36,6 +40,8 @@ void Memory_Report (Window window, const Memory_Site *site, const char *call) {
 }
 
 // --- blocks ----------------------------------------------------------------
+
+// Of no bytes there is a block as well: none would mean a failure.
 
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer)
@@ -48,9 +54,9 @@ void Memory_Report (Window window, const Memory_Site *site, const char *call) {
 
 #ifdef MEMORY_IS_WATCHED
 
-static void *Block_New (size_t bytes) { return malloc (bytes); }
-static void *Block_New_Zeroed (size_t bytes) { return calloc (1, bytes); }
-static void *Block_Resize (void *block, size_t bytes) { return realloc (block, bytes); }
+static void *Block_New (size_t bytes) { return malloc (bytes ? bytes : 1); }
+static void *Block_New_Zeroed (size_t bytes) { return calloc (1, bytes ? bytes : 1); }
+static void *Block_Resize (void *block, size_t bytes) { return realloc (block, bytes ? bytes : 1); }
 static void  Block_Free (void *block) { free (block); }
 
 #else
@@ -60,8 +66,8 @@ static const size_t SMALL       = 256;             // The largest of them.
 static const size_t SLAB_SIZE   = 64 * 1024;       // Bytes of a slab, its head counted.
 static const size_t CHUNK_SIZE  = 2 * 1024 * 1024; // Bytes of a chunk: one large page of most processors.
 static const int    CHUNK_SLABS = CHUNK_SIZE / SLAB_SIZE;
-static const int    SLABS_ALONE = 48; // Slabs before the first chunk: most lists are short.
-static const int    SLAB_SIZES  = SMALL / UNIT;
+static const int    SLABS_ALONE = 48;               // Slabs before the first chunk: most lists are short.
+static const int    SLAB_SIZES  = SMALL / UNIT + 1; // The first one, for no bytes, is of one unit.
 
 struct Slab;
 struct Chunk;
@@ -80,11 +86,12 @@ struct Link {
 
 struct Slab {
     Link    link;   // With the others of its size.
-    Chunk  *chunk;  // Of which it is a part, or none.
     Head   *free;   // Blocks that were freed.
     char   *unused; // From here on no block was ever taken.
-    char   *end;
-    size_t  size; // Of a block with its head.
+    char   *last;   // Where the last block can begin.
+    size_t  size;   // Of a block with its head.
+    Link  **room;   // Of its size.
+    Chunk  *chunk;  // Of which it is a part, or none.
     int32_t live;
 };
 
@@ -96,13 +103,12 @@ struct Chunk {
     int32_t live;
 };
 
-static Link *slab_rooms[SLAB_SIZES]; // The slab from which the next block of that size comes, or none.
-static Link *chunk_room;             // The chunk from which the next slab comes, or none.
+// The slab from which the next block of that size comes, or none. It may be full; those behind it have room.
+static Link *slab_rooms[SLAB_SIZES];
+static Link *chunk_room; // The chunk from which the next slab comes, or none.
 static int   slab_count;
 
 static Head **Next_Free (Head *head) { return reinterpret_cast<Head **> (head + 1); }
-
-static int Has_Unused (const Slab *slab) { return static_cast<size_t> (slab->end - slab->unused) >= slab->size; }
 
 // --- rooms -----------------------------------------------------------------
 
@@ -137,7 +143,7 @@ static Chunk *Chunk_With_Room (void) {
     return chunk;
 }
 
-static Slab *Slab_Of_Chunk (void) {
+static Slab *Slab_Of_Chunk (size_t size) {
     Chunk *chunk = Chunk_With_Room ();
     if (!chunk) return nullptr;
     char *start = reinterpret_cast<char *> (chunk->free);
@@ -151,26 +157,30 @@ static Slab *Slab_Of_Chunk (void) {
     Slab  *slab   = reinterpret_cast<Slab *> (start);
     size_t offset = static_cast<size_t> (start - reinterpret_cast<char *> (chunk));
     slab->chunk   = chunk;
-    slab->end     = start + (SLAB_SIZE - offset % SLAB_SIZE);
+    slab->last    = start + (SLAB_SIZE - offset % SLAB_SIZE) - size;
     return slab;
 }
 
-static Slab *Slab_Alone (void) {
+static Slab *Slab_Alone (size_t size) {
     Slab *slab = static_cast<Slab *> (malloc (SLAB_SIZE));
     if (!slab) return nullptr;
     slab->chunk = nullptr;
-    slab->end   = reinterpret_cast<char *> (slab) + SLAB_SIZE;
+    slab->last  = reinterpret_cast<char *> (slab) + SLAB_SIZE - size;
     return slab;
 }
 
-static Slab *Slab_New (size_t size) {
-    Slab *slab = slab_count < SLABS_ALONE ? nullptr : Slab_Of_Chunk ();
-    if (!slab) slab = Slab_Alone ();
+// For blocks of the size that has this room.
+static Slab *Slab_New (Link **room) {
+    size_t units = static_cast<size_t> (room - slab_rooms);
+    size_t size  = (units ? units : 1) * UNIT + sizeof (Head);
+    Slab  *slab  = slab_count < SLABS_ALONE ? nullptr : Slab_Of_Chunk (size);
+    if (!slab) slab = Slab_Alone (size);
     if (!slab) return nullptr;
     slab_count++;
     slab->free   = nullptr;
     slab->unused = reinterpret_cast<char *> (slab + 1);
     slab->size   = size;
+    slab->room   = room;
     slab->live   = 0;
     return slab;
 }
@@ -192,47 +202,60 @@ static void Slab_Free (Slab *slab) {
 
 // --- blocks of slabs -------------------------------------------------------
 
-static void *Small_New (size_t bytes) {
-    int    index = static_cast<int> ((bytes + UNIT - 1) / UNIT) - 1;
-    Link **room  = &slab_rooms[index];
-    if (!*room) {
-        Slab *fresh = Slab_New (static_cast<size_t> (index + 1) * UNIT + sizeof (Head));
-        if (!fresh) return nullptr;
-        Room_Add (room, &fresh->link);
-    }
-    Slab *slab = reinterpret_cast<Slab *> (*room);
+// A block of a slab, or none when the slab is full.
+static inline void *Slab_Take (Slab *slab) {
     Head *head = slab->free;
-    if (head) {
+    if (head) { // Which still names its slab.
         slab->free = *Next_Free (head);
     } else {
+        if (slab->unused > slab->last) return nullptr;
         head = reinterpret_cast<Head *> (slab->unused);
         slab->unused += slab->size;
+        head->slab = slab;
     }
-    head->slab = slab;
     slab->live++;
-    if (!slab->free && !Has_Unused (slab)) Room_Remove (room, &slab->link);
     return head + 1;
 }
 
-static void Small_Free (Slab *slab, Head *head) {
-    Link **room       = &slab_rooms[(slab->size - sizeof (Head)) / UNIT - 1];
-    *Next_Free (head) = slab->free;
-    slab->free        = head;
-    slab->live--;
-    if (!slab->link.linked) Room_Add (room, &slab->link);
-    if (slab->live || &slab->link == *room) return; // The one in use stays: its next block is asked for soon.
-    Room_Remove (room, &slab->link);
+// Where the slab in use is full, or there is none. A full slab is in no ring until a block of it is freed.
+__attribute__ ((noinline)) static void *Small_New_Elsewhere (Link **room) {
+    if (*room) Room_Remove (room, *room);
+    if (!*room) {
+        Slab *fresh = Slab_New (room);
+        if (!fresh) return nullptr;
+        Room_Add (room, &fresh->link);
+    }
+    return Slab_Take (reinterpret_cast<Slab *> (*room));
+}
+
+static inline void *Small_New (size_t bytes) {
+    Link **room  = &slab_rooms[(bytes + UNIT - 1) / UNIT];
+    void  *block = *room ? Slab_Take (reinterpret_cast<Slab *> (*room)) : nullptr;
+    return block ? block : Small_New_Elsewhere (room);
+}
+
+__attribute__ ((noinline)) static void Slab_Has_Room (Slab *slab) {
+    if (!slab->link.linked) Room_Add (slab->room, &slab->link);
+    if (slab->live || &slab->link == *slab->room) return; // The one in use stays: its next block is asked for soon.
+    Room_Remove (slab->room, &slab->link);
     Slab_Free (slab);
 }
 
-static void *Block_New (size_t bytes) {
-    if (bytes <= SMALL) return Small_New (bytes);
+static inline void Small_Free (Slab *slab, Head *head) {
+    *Next_Free (head) = slab->free;
+    slab->free        = head;
+    if (!--slab->live || !slab->link.linked) Slab_Has_Room (slab);
+}
+
+__attribute__ ((noinline)) static void *Large_New (size_t bytes) {
     if (bytes > SIZE_MAX - sizeof (Head)) return nullptr;
     Head *head = static_cast<Head *> (malloc (bytes + sizeof (Head)));
     if (!head) return nullptr;
     head->slab = nullptr;
     return head + 1;
 }
+
+static inline void *Block_New (size_t bytes) { return bytes <= SMALL ? Small_New (bytes) : Large_New (bytes); }
 
 static void *Block_New_Zeroed (size_t bytes) {
     if (bytes <= SMALL) {
@@ -244,7 +267,7 @@ static void *Block_New_Zeroed (size_t bytes) {
     return head ? head + 1 : nullptr;
 }
 
-static void Block_Free (void *block) {
+static inline void Block_Free (void *block) {
     Head *head = static_cast<Head *> (block) - 1;
     if (head->slab) Small_Free (head->slab, head);
     else free (head);
@@ -272,7 +295,7 @@ static void *Block_Resize (void *block, size_t bytes) {
 // --- the calls -------------------------------------------------------------
 
 void *Memory_Try (size_t bytes) {
-    void *block = Fails_Now () ? nullptr : Block_New (bytes ? bytes : 1);
+    void *block = Fails_Now () ? nullptr : Block_New (bytes);
     if (block) live++;
     else System_Last_Error_Set (System_Memory_Error ());
     return block;
@@ -285,14 +308,14 @@ void *Memory_Malloc (Window window, Memory_Site site, size_t bytes) {
 }
 
 void *Memory_Calloc (Window window, Memory_Site site, size_t bytes) {
-    void *block = Fails_Now () ? nullptr : Block_New_Zeroed (bytes ? bytes : 1);
+    void *block = Fails_Now () ? nullptr : Block_New_Zeroed (bytes);
     if (block) live++;
     else Memory_Report (window, &site, "calloc");
     return block;
 }
 
 void *Memory_Realloc (Window window, Memory_Site site, void *block, size_t bytes) {
-    void *larger = Fails_Now () ? nullptr : Block_Resize (block, bytes ? bytes : 1);
+    void *larger = Fails_Now () ? nullptr : Block_Resize (block, bytes);
     if (!larger) Memory_Report (window, &site, "realloc");
     else if (!block) live++;
     return larger;

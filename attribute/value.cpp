@@ -67,16 +67,18 @@ Attribute *Value_Record_New (const Attribute *fields, int32_t length) {
     return record;
 }
 
+// No other block begins right behind a record, be there room or not, so a value in its room is known by its place.
 void Value_Record_Free (Attribute *record) {
-    Value_Release (record);
-    Value_Block *block = record->room ? Room_Block (record) : nullptr;
-    if (block && --block->count) block->kind = BLOCK_ORPHAN;
+    Value_Block *room = Room_Block (record);
+    if (record->block == room) room->count--;
+    else Value_Release (record);
+    if (record->room && --room->count) room->kind = BLOCK_ORPHAN;
     else Memory_Free (record);
 }
 
 int Value_New_In_Room (Attribute *record, int32_t length) {
     if (!record->room || length > record->room || Room_Block (record)->count > 1) return 0;
-    Value_Release (record);
+    if (record->block) Value_Release (record);
     record->block = Room_Block (record);
     record->data  = Block_Bytes (record->block);
     record->block->count++;
@@ -113,14 +115,17 @@ void Value_Share (Attribute *target, const Attribute *source) {
     target->data  = data;
 }
 
+__attribute__ ((noinline)) static void Block_Free (Value_Block *block) {
+    if (block->kind == BLOCK_MAPPED) System_File_Unmap (&reinterpret_cast<Mapped_Block *> (block)->mapping);
+    if (block->kind == BLOCK_ORPHAN) Memory_Free (Room_Record (block));
+    else Memory_Free (block);
+}
+
 void Value_Release (Attribute *attribute) {
     Value_Block *block = attribute->block;
     attribute->block   = nullptr;
     attribute->data    = nullptr;
-    if (!block || --block->count > 0) return;
-    if (block->kind == BLOCK_MAPPED) System_File_Unmap (&reinterpret_cast<Mapped_Block *> (block)->mapping);
-    if (block->kind == BLOCK_ORPHAN) Memory_Free (Room_Record (block));
-    else Memory_Free (block);
+    if (block && --block->count == 0) Block_Free (block);
 }
 
 int Value_Unshare (Window window, Memory_Site site, Attribute *attribute) {

@@ -25,8 +25,17 @@ static const int COMPARE_SLICE   = 64 * COMPARE_BLOCK; // Bytes after which a vi
 static const int PAIR_TEXT_SIZE  = 2 * VALUE_COLUMN + 8;
 static const int AUDIT_LINE_SIZE = 512;
 
-typedef int (*Classification) (Window window, SequenceCursor *cursor, Attribute *merged, Attribute *a, Attribute *b,
-                               int depth, int skipped);
+struct Walk;
+typedef int (*Classification) (const Walk *walk, Attribute *a, Attribute *b, int depth, int skipped);
+
+// What a walk passes along as it is.
+struct Walk {
+    Window          window;
+    SequenceCursor *cursor;
+    Attribute      *merged;
+    Classification  classify;
+    int             passes_same; // Nothing but a trace tells of attributes that are the same on both sides.
+};
 
 // --- value text ------------------------------------------------------------
 
@@ -136,9 +145,9 @@ static const char *Description (const Attribute *a, const Attribute *b) {
 // --- merged record ---------------------------------------------------------
 
 // The merged record of a tag. In batch mode there is no merged list, but a trace tells of the search all the same.
-static Attribute *Merged_Get (Window window, SequenceCursor *cursor, Attribute *merged, const Attribute *tag) {
-    if (!merged && !Log_Is_Read (LOG_TRACE5)) return nullptr;
-    return DICOM_Attribute_Get_Exact (window, cursor, merged, tag->group, tag->element);
+static Attribute *Merged_Get (const Walk *walk, const Attribute *tag) {
+    if (!walk->merged && !Log_Is_Read (LOG_TRACE5)) return nullptr;
+    return DICOM_Attribute_Get_Exact (walk->window, walk->cursor, walk->merged, tag->group, tag->element);
 }
 
 // Makes a record of the merged list ready for its difference code. 1, or 0 after a memory message.
@@ -299,18 +308,33 @@ static int Next_Side (const Attribute *a, const Attribute *b) {
     return Tag_Compare (a->group, a->element, b->group, b->element);
 }
 
-static int Walk_Lists (Window window, SequenceCursor *cursor, Attribute *merged, Attribute *list_a, Attribute *list_b,
-                       int depth, int skipped, Classification classify) {
+// Two attributes of which Diff_Pair says nothing, skipped or not, found out without all that it prepares: the same tag and
+// VR, no difference to Compare, and no items. What is rare or long is left to it.
+static int Is_Same (const Attribute *a, const Attribute *b) {
+    if (a->group != b->group || a->element != b->element || a->vr_file != b->vr_file || a->length != b->length)
+        return 0;
+    if (a->nb_item || b->nb_item || a->length < 0 || a->length >= COMPARE_BLOCK) return 0;
+    return !a->length || (a->data && b->data && !memcmp (a->data, b->data, static_cast<size_t> (a->length)));
+}
+
+static int Walk_Lists (const Walk *walk, Attribute *list_a, Attribute *list_b, int depth, int skipped) {
     int count = 0;
-    while (list_a || list_b) {
+    for (;;) {
+        if (walk->passes_same && !Log_Is_Read (LOG_TRACE5)) {
+            while (list_a && list_b && Is_Same (list_a, list_b)) {
+                list_a = list_a->next;
+                list_b = list_b->next;
+            }
+        }
+        if (!list_a && !list_b) return count;
+
         int        order = Next_Side (list_a, list_b);
         Attribute *a     = order <= 0 ? list_a : nullptr;
         Attribute *b     = order >= 0 ? list_b : nullptr;
-        count += classify (window, cursor, merged, a, b, depth, skipped);
+        count += walk->classify (walk, a, b, depth, skipped);
         if (a) list_a = a->next;
         if (b) list_b = b->next;
     }
-    return count;
 }
 
 static Attribute *Item_List (const Attribute *attribute, int32_t i) {
@@ -318,8 +342,7 @@ static Attribute *Item_List (const Attribute *attribute, int32_t i) {
 }
 
 // Items are paired by their number only.
-static int Walk_Items (Window window, SequenceCursor *cursor, Attribute *merged, Attribute *a, Attribute *b, int depth,
-                       int skipped, Classification classify) {
+static int Walk_Items (const Walk *walk, Attribute *a, Attribute *b, int depth, int skipped) {
     const Attribute *tag     = a ? a : b;
     int32_t          count_a = a ? a->nb_item : 0;
     int32_t          count_b = b ? b->nb_item : 0;
@@ -327,62 +350,74 @@ static int Walk_Items (Window window, SequenceCursor *cursor, Attribute *merged,
     int              count   = 0;
     if (items <= 0) return 0;
 
-    DICOM_Attribute_Sequence_Start (window, cursor, tag->group, tag->element, tag->flags, 0);
+    DICOM_Attribute_Sequence_Start (walk->window, walk->cursor, tag->group, tag->element, tag->flags, 0);
     for (int32_t i = 0; i < items; i++) {
-        DICOM_Attribute_Item_Start (window, cursor, 0);
-        count += Walk_Lists (window, cursor, merged, Item_List (a, i), Item_List (b, i), depth + 1, skipped, classify);
-        DICOM_Attribute_Item_Stop (window, cursor, 0);
+        DICOM_Attribute_Item_Start (walk->window, walk->cursor, 0);
+        count += Walk_Lists (walk, Item_List (a, i), Item_List (b, i), depth + 1, skipped);
+        DICOM_Attribute_Item_Stop (walk->window, walk->cursor, 0);
     }
-    DICOM_Attribute_Sequence_Stop (window, cursor, 0);
+    DICOM_Attribute_Sequence_Stop (walk->window, walk->cursor, 0);
     return count;
+}
+
+static int Diff_Pair (const Walk *walk, Attribute *a, Attribute *b, int depth, int skipped) {
+    const Attribute *tag        = a ? a : b;
+    Attribute       *record     = Merged_Get (walk, tag);
+    Difference       difference = {DIFFERENCE_SKIPPED, 0, 0};
+    char             pair[PAIR_TEXT_SIZE];
+
+    if (!skipped) skipped = Is_Skipped (walk->cursor->settings, tag->group, tag->element);
+    if (!skipped) difference = Compare (a, b);
+
+    bool counts = !skipped && difference.code != DIFFERENCE_NONE;
+    if (record || counts) Pair_Text (walk->window, a, b, pair);
+    if (record) {
+        if (!Merged_Describe (walk->window, record, pair, Description (a, b))) return 0;
+        Merged_Mark (record, &difference);
+    }
+    if (counts) Audit (walk->window, &difference, a, b, depth, pair);
+    return counts + Walk_Items (walk, a, b, depth, skipped);
+}
+
+static Walk Diff_Walk (Window window, SequenceCursor *cursor, Attribute *merged) {
+    return {window, cursor, merged, Diff_Pair, !merged};
 }
 
 int Diff_Attribute (Window window, SequenceCursor *cursor, Attribute *merged, Attribute *a, Attribute *b, int depth,
                     int skipped) {
-    if (!a && !b) return 0;
-
-    const Attribute *tag        = a ? a : b;
-    Attribute       *record     = Merged_Get (window, cursor, merged, tag);
-    Difference       difference = {DIFFERENCE_SKIPPED, 0, 0};
-    char             pair[PAIR_TEXT_SIZE];
-
-    if (!skipped) skipped = Is_Skipped (cursor->settings, tag->group, tag->element);
-    if (!skipped) difference = Compare (a, b);
-
-    bool counts = !skipped && difference.code != DIFFERENCE_NONE;
-    if (record || counts) Pair_Text (window, a, b, pair);
-    if (record) {
-        if (!Merged_Describe (window, record, pair, Description (a, b))) return 0;
-        Merged_Mark (record, &difference);
-    }
-    if (counts) Audit (window, &difference, a, b, depth, pair);
-    return counts + Walk_Items (window, cursor, merged, a, b, depth, skipped, Diff_Attribute);
+    Walk walk = Diff_Walk (window, cursor, merged);
+    return a || b ? Diff_Pair (&walk, a, b, depth, skipped) : 0;
 }
 
 int Diff_Lists (Window window, SequenceCursor *cursor, Attribute *merged, Attribute *list_a, Attribute *list_b,
                 int depth, int skipped) {
-    return Walk_Lists (window, cursor, merged, list_a, list_b, depth, skipped, Diff_Attribute);
+    Walk walk = Diff_Walk (window, cursor, merged);
+    return Walk_Lists (&walk, list_a, list_b, depth, skipped);
 }
 
 // --- a file and its definition ---------------------------------------------
 
 // Every attribute of the file counts, whether the definition knows it or not.
-int Modality_Diff_Attribute (Window window, SequenceCursor *cursor, Attribute *merged, Attribute *a, Attribute *d,
-                             int depth, int skipped) {
-    if (!a && !d) return 0;
-
+static int Modality_Pair (const Walk *walk, Attribute *a, Attribute *d, int depth, int skipped) {
     const Attribute *tag    = a ? a : d;
-    Attribute       *record = Merged_Get (window, cursor, merged, tag);
+    Attribute       *record = Merged_Get (walk, tag);
     if (record) {
         char text[PAIR_TEXT_SIZE] = "";
-        if (a) snprintf (text, sizeof text, "       %-.*s", VALUE_COLUMN, Value_Text (window, a));
-        if (!Merged_Describe (window, record, text, Description (a, d))) return 0;
+        if (a) snprintf (text, sizeof text, "       %-.*s", VALUE_COLUMN, Value_Text (walk->window, a));
+        if (!Merged_Describe (walk->window, record, text, Description (a, d))) return 0;
         record->flags = a && d ? DIFFERENCE_FILE_AND_DEFINITION : a ? DIFFERENCE_FILE_ONLY : DIFFERENCE_NONE;
     }
-    return (a != nullptr) + Walk_Items (window, cursor, merged, a, d, depth, skipped, Modality_Diff_Attribute);
+    return (a != nullptr) + Walk_Items (walk, a, d, depth, skipped);
+}
+
+int Modality_Diff_Attribute (Window window, SequenceCursor *cursor, Attribute *merged, Attribute *a, Attribute *d,
+                             int depth, int skipped) {
+    Walk walk = {window, cursor, merged, Modality_Pair, 0};
+    return a || d ? Modality_Pair (&walk, a, d, depth, skipped) : 0;
 }
 
 int Modality_Diff_Lists (Window window, SequenceCursor *cursor, Attribute *merged, Attribute *list_a, Attribute *list_d,
                          int depth, int skipped) {
-    return Walk_Lists (window, cursor, merged, list_a, list_d, depth, skipped, Modality_Diff_Attribute);
+    Walk walk = {window, cursor, merged, Modality_Pair, 0};
+    return Walk_Lists (&walk, list_a, list_d, depth, skipped);
 }

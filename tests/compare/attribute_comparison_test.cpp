@@ -156,6 +156,93 @@ TEST (AttributeComparison, UnsortedListEqualsItself) {
     EXPECT_EQ (0, sides.Diff ());
 }
 
+// Attributes that are the same are passed without the steps of the others where no merged list wants their record. The
+// subject stands between two that are the same, and on the other side it is changed.
+struct Passed {
+    const char *what;
+    void (*change) (Tree *tree, Attribute *subject);
+    int count;
+};
+
+static const Passed PASSED[] = {
+    {"nothing", [] (Tree *, Attribute *) {}, 0},
+    {"group", [] (Tree *, Attribute *subject) { subject->group++; }, 2},
+    {"element", [] (Tree *, Attribute *subject) { subject->element++; }, 2},
+    {"VR", [] (Tree *, Attribute *subject) { subject->vr_file = VR_SH; }, 1},
+    {"VR of the dictionary", [] (Tree *, Attribute *subject) { subject->vr = VR_SH; }, 0},
+    {"no VR", [] (Tree *, Attribute *subject) { subject->vr_file = 0; }, 1},
+    {"shorter", [] (Tree *, Attribute *subject) { subject->length--; }, 1},
+    {"empty", [] (Tree *, Attribute *subject) { subject->length = 0; }, 1},
+    {"undefined length", [] (Tree *, Attribute *subject) { subject->length = LENGTH_UNDEFINED; }, 1},
+    {"first byte", [] (Tree *, Attribute *subject) { subject->data[0]++; }, 1},
+    {"last byte", [] (Tree *, Attribute *subject) { subject->data[subject->length - 1]++; }, 1},
+    {"no bytes", [] (Tree *, Attribute *subject) { Value_Release (subject); }, 1},
+    {"all else", [] (Tree *, Attribute *subject) { subject->flags++, subject->vm++, subject->pos_data++; }, 0},
+};
+
+// The two ways: with a merged list, which tells of every tag, and without.
+static void Expect_Passed (Sides *sides, int count, const std::string &what) {
+    Log_Recorder log;
+    EXPECT_EQ (count, sides->Diff ()) << what;
+    std::string passed = log.All ();
+    log.Clear ();
+    sides->Merge ();
+    EXPECT_EQ (count, sides->Diff ()) << what;
+    EXPECT_EQ (log.All (), passed) << what;
+}
+
+TEST (AttributeComparison, SameAttributesArePassedAsTheyWouldBeCompared) {
+    for (const Passed &passed : PASSED) {
+        for (size_t length : {2u, 40u, 65535u, 65536u}) {
+            for (bool in_a : {true, false}) {
+                Sides sides;
+                for (Tree *side : {&sides.a, &sides.b}) {
+                    side->Text (0x0008, 0x0060, "CS", "CT");
+                    Attribute *subject = side->Text (0x0009, 0x1001, "LO", std::string (length, 'x'));
+                    side->Text (0x0010, 0x0010, "PN", "A^");
+                    if ((side == &sides.a) == in_a) passed.change (side, subject);
+                }
+                Expect_Passed (&sides, passed.count, passed.what + (" " + std::to_string (length)));
+            }
+        }
+    }
+}
+
+// What has no bytes to compare: items count all the same, whichever side has them.
+TEST (AttributeComparison, SameAttributesWithoutBytesArePassedUnlessTheyHaveItems) {
+    for (int32_t length : {0, 1, 8, static_cast<int> (LENGTH_UNDEFINED)}) {
+        for (int items : {0, 1, 2, 3}) {
+            Sides sides;
+            for (Tree *side : {&sides.a, &sides.b}) {
+                side->Add (0x0008, 0x0096, "SQ", "SQ", "", length);
+                if (!(items & (side == &sides.a ? 1 : 2))) continue;
+                side->Test_List::Open (0x0008, 0x0096);
+                side->Item ();
+                side->Text (0x0010, 0x0010, "PN", side == &sides.a ? "A^" : "B^");
+                side->Close ();
+            }
+            Expect_Passed (&sides, items != 0, std::to_string (length) + " " + std::to_string (items));
+        }
+    }
+}
+
+TEST (AttributeComparison, UndefinedLengthIsNoneToCompare) {
+    Sides sides;
+    for (Tree *side : {&sides.a, &sides.b}) side->Add (0x0009, 0x1001, "UN", "", "bytes", LENGTH_UNDEFINED);
+    Expect_Passed (&sides, 0, "undefined");
+}
+
+// A trace of the search for the merged record is written for all tags, also where there is no merged list.
+TEST (AttributeComparison, TracesTellOfSameAttributes) {
+    Sides sides;
+    for (Tree *side : {&sides.a, &sides.b}) side->Text (0x0010, 0x0010, "PN", "A^");
+    for (int level : {4, 5}) {
+        Log_Recorder log (level);
+        EXPECT_EQ (0, sides.Diff ());
+        EXPECT_EQ (level == 5, log.Contains ("in DICOM_Attribute_Get(0010,0010)"));
+    }
+}
+
 // --- codes -----------------------------------------------------------------
 
 TEST (AttributeComparison, DifferentBytes) {

@@ -212,10 +212,13 @@ static void Look_Up (Window window, Attribute *attribute) {
     if (attribute->definition && !attribute->vr) attribute->vr = attribute->definition->vr[0];
 }
 
-// What Complement_One asks for, without looking at values: 1 only where it finds nothing to do.
+// Plain attributes, which most are: the rules of Complement_One have nothing for them. Of a tag without an entry nothing is
+// known later either, unless there was no memory for the dictionary; pixel data, items and delimiters are of the groups
+// from GROUP_PIXEL on, which hold little else.
 int DICOM_Attribute_Is_Complete (const Attribute *attribute) {
-    return attribute->definition && attribute->vr && attribute->element != 0 && !(attribute->group & 1) &&
-           !(attribute->flags & PRIVATE) && attribute->group != GROUP_PIXEL && attribute->group != GROUP_DELIMITER;
+    uint16_t group = attribute->group;
+    if ((group & 1) || group >= GROUP_PIXEL || !attribute->element || (attribute->flags & PRIVATE)) return 0;
+    return attribute->definition ? attribute->vr != 0 : Dictionary_Is_Unknown (group, attribute->element);
 }
 
 // A later rule replaces what an earlier one said.

@@ -19,7 +19,6 @@ static const int      TAG_END    = 11; // A line starts with "(gggg,eeee)", a bl
 static const int      NAME_START = 12; // and the name.
 static const int      VM_SIZE    = 10; // Characters of a VM that are read.
 static const uint16_t NO_LIMIT   = 0xFFFF;
-static const int      KNOWN_TAGS = 512;      // A power of 2.
 static const int8_t   NOT_PARSED = INT8_MIN; // Pairs of an entry whose name is the whole line still.
 
 // The groups that one group field of a line stands for: "0018" is one, "50xx" every group from 5000 to 50FF.
@@ -30,11 +29,7 @@ struct Group_Node {
     int      count;
 };
 
-// A tag that was looked up, and its entry. Files have the same few tags again and again, in every item of a sequence.
-struct Known_Tag {
-    uint32_t                tag;   // Group and element; 0, which no line has, for an empty place.
-    const Dictionary_Entry *entry; // Or none.
-};
+Dictionary_Known Dictionary_Known_Tags[DICTIONARY_KNOWN_COUNT];
 
 static struct {
     const Dictionary_Table *tables;
@@ -49,8 +44,7 @@ static struct {
     size_t                  names_used;
     uint16_t                seek_group; // The group last looked up,
     int                     seek_node;  // and the first node that isn't smaller.
-    Known_Tag               known[KNOWN_TAGS];
-} dictionary = {Dictionary_Tables, DICTIONARY_TABLE_COUNT, 1, 0, nullptr, nullptr, nullptr, 0, 0, 0, 0, 0, {}};
+} dictionary = {Dictionary_Tables, DICTIONARY_TABLE_COUNT, 1, 0, nullptr, nullptr, nullptr, 0, 0, 0, 0, 0};
 
 // --- one line --------------------------------------------------------------
 
@@ -321,7 +315,7 @@ static void Release (void) {
     dictionary.built       = 0;
     dictionary.seek_group  = 0;
     dictionary.seek_node   = 0;
-    memset (dictionary.known, 0, sizeof dictionary.known);
+    memset (Dictionary_Known_Tags, 0, sizeof Dictionary_Known_Tags);
 }
 
 // Makes room for all lines, as if every one began a group of its own. 1, or 0 after the memory message.
@@ -384,15 +378,10 @@ static const Dictionary_Entry *Find (uint16_t group, uint16_t element) {
     return nullptr;
 }
 
-const Dictionary_Entry *Dictionary_Lookup (Window window, uint16_t group, uint16_t element) {
-    if (group & 1) return nullptr; // Private.
-
-    uint32_t   tag   = static_cast<uint32_t> (group) << 16 | element;
-    Known_Tag *known = &dictionary.known[(element ^ group * 37u) % KNOWN_TAGS];
-    if (known->tag == tag && tag) return known->entry;
+const Dictionary_Entry *Dictionary_Seek (Window window, uint16_t group, uint16_t element) {
     Dictionary_Build (window);
     const Dictionary_Entry *entry = Find (group, element);
-    if (dictionary.built) *known = {tag, entry};
+    if (dictionary.built) *Dictionary_Known_Place (group, element) = {Dictionary_Known_Key (group, element), entry};
     return entry;
 }
 

@@ -30,8 +30,43 @@ struct Dictionary_Table {
     int                count;
 };
 
-// The entry of a tag, or none; an odd group has none. Builds the dictionary the first time.
-const Dictionary_Entry *Dictionary_Lookup (Window window, uint16_t group, uint16_t element);
+// --- known tags ------------------------------------------------------------
+
+// Tags that were looked up, with their entries. Files have the same few again and again, in every item of a sequence. For the
+// functions below only, which are called for every attribute.
+static const int DICTIONARY_KNOWN_COUNT = 512;      // A power of 2.
+
+struct Dictionary_Known {
+    uint32_t                key;    // The tag + 1, 0 for an empty place.
+    const Dictionary_Entry *entry;  // Or none.
+};
+
+extern Dictionary_Known Dictionary_Known_Tags[DICTIONARY_KNOWN_COUNT];
+
+inline uint32_t Dictionary_Known_Key (uint16_t group, uint16_t element) {
+    return (static_cast<uint32_t> (group) << 16 | element) + 1;
+}
+inline Dictionary_Known *Dictionary_Known_Place (uint16_t group, uint16_t element) {
+    return &Dictionary_Known_Tags[(element ^ group * 37u) % DICTIONARY_KNOWN_COUNT];
+}
+
+const Dictionary_Entry *Dictionary_Seek (Window window, uint16_t group, uint16_t element);  // In the lines themselves.
+
+// --- looking up ------------------------------------------------------------
+
+// The entry of a tag, or none; an odd group, which is private, has none. Builds the dictionary the first time.
+inline const Dictionary_Entry *Dictionary_Lookup (Window window, uint16_t group, uint16_t element) {
+    if (group & 1) return nullptr;
+    const Dictionary_Known *known = Dictionary_Known_Place (group, element);
+    if (known->key == Dictionary_Known_Key (group, element)) return known->entry;
+    return Dictionary_Seek (window, group, element);
+}
+
+// 1 when it is known, from a look-up before, that the tag has no entry. Nothing is built.
+inline int Dictionary_Is_Unknown (uint16_t group, uint16_t element) {
+    const Dictionary_Known *known = Dictionary_Known_Place (group, element);
+    return known->key == Dictionary_Known_Key (group, element) && !known->entry;
+}
 
 // Parses the lines once. The number of entries added, remembered for further calls. When memory runs out it is 0 and
 // nothing is remembered, so the next look-up tries again.

@@ -830,14 +830,17 @@ static Attribute *Add_Known (Flat *flat, uint16_t group, uint16_t element, const
 // What a sequence with an item holds is left to be completed; what stands in the top list always is.
 TEST (Format, OnlyWhatItemsLackIsLeftToBeCompleted) {
     static const struct {
-        uint16_t inside, top;
+        uint16_t inside, element, top;
         unsigned left;
-    } cases[] = {{0x0008, 0x0010, 0}, {0x0009, 0x0010, FORMAT_LEFT_DESCRIPTIONS}, {0x0008, 0x0011, 0}};
+    } cases[] = {{0x0008, 0x0104, 0x0010, 0},
+                 {0x0009, 0x0104, 0x0010, FORMAT_LEFT_DESCRIPTIONS},
+                 {0x0008, 0x0104, 0x0011, 0},
+                 {0x0008, 0x0FF1, 0x0010, 0}};
     for (auto &one : cases) {
         Flat flat;
         Add_Known (&flat, 0x0008, 0x1140, "SQ", "")->length = LENGTH_UNDEFINED;
         flat.Item ();
-        Add_Known (&flat, one.inside, 0x0104, "LO", "TEXT");
+        Add_Known (&flat, one.inside, one.element, "LO", "TEXT");
         flat.Item_End ();
         flat.Sequence_End ();
         Add_Known (&flat, one.top, 0x0010, "PN", "Doe^John");
@@ -845,7 +848,7 @@ TEST (Format, OnlyWhatItemsLackIsLeftToBeCompleted) {
         SequenceCursor cursor = {};
         Attribute     *list =
             DICOM_Attribute_Format_Lean (nullptr, &warning_settings, &flat.list.first, Syntax_Is_Right, &left);
-        EXPECT_EQ (one.left, left) << one.inside << " " << one.top;
+        EXPECT_EQ (one.left, left) << one.inside << " " << one.element << " " << one.top;
         DICOM_Attribute_Delete (nullptr, &cursor, &list, TAG_ANY, TAG_ANY);
     }
 }

@@ -452,6 +452,40 @@ TEST_F (DataDictionary, EveryTagGivesItsOwnEntryAlsoTheSecondTime) {
     }
 }
 
+// Tags that share a place, unknown ones, the first and the last of all, and those that stand for many groups, each twice.
+TEST_F (DataDictionary, KnownTagsAreFoundAsInTheLines) {
+    Dictionary_Reset (nullptr, 0);
+    long before = Memory_Live ();
+    EXPECT_EQ (nullptr, Dictionary_Lookup (nullptr, 0x0000, 0x0000));
+    EXPECT_LT (before, Memory_Live ()) << "an empty place is no tag's";
+    int found = 0;
+    for (int group : {0x0000, 0x0001, 0x0008, 0x0009, 0x0010, 0x5000, 0x5001, 0x60FE, 0x60FF, 0x7FE0, 0xFFFE, 0xFFFF})
+        for (int element : {0x0000, 0x0001, 0x0010, 0x0020, 0x0100, 0x0210, 0x2000, 0x3000, 0xFFFE, 0xFFFF})
+            for (int times = 0; times < 2; times++) {
+                uint16_t                g = static_cast<uint16_t> (group), e = static_cast<uint16_t> (element);
+                const Dictionary_Entry *entry = Dictionary_Lookup (nullptr, g, e);
+                EXPECT_EQ (group & 1 ? nullptr : Dictionary_Seek (nullptr, g, e), entry) << group << " " << element;
+                found += entry != nullptr;
+            }
+    EXPECT_GT (found, 20);
+}
+
+TEST_F (DataDictionary, TagIsUnknownOnceItWasSoughtInVain) {
+    Set_Tables ({{"(0008,0010) A DS 1"}});
+    long before = Memory_Live ();
+    for (uint16_t element : std::initializer_list<uint16_t> {0x0010, 0x0011}) {
+        EXPECT_FALSE (Dictionary_Is_Unknown (0x0008, element));
+        EXPECT_EQ (before, Memory_Live ());
+    }
+    for (uint16_t element : std::initializer_list<uint16_t> {0x0010, 0x0011})
+        Dictionary_Lookup (nullptr, 0x0008, element);
+    EXPECT_FALSE (Dictionary_Is_Unknown (0x0008, 0x0010));
+    EXPECT_TRUE (Dictionary_Is_Unknown (0x0008, 0x0011));
+    EXPECT_FALSE (Dictionary_Is_Unknown (0x0008, 0x0012));
+    Dictionary_Reset (nullptr, 0);
+    EXPECT_FALSE (Dictionary_Is_Unknown (0x0008, 0x0011));
+}
+
 TEST_F (DataDictionary, ResetForgetsWhereTheLastGroupStood) {
     Build ({"(0008,0010) A DS 1", "(0010,0010) B DS 1"});
     EXPECT_EQ ("B", Name_Of (0x0010, 0x0010));

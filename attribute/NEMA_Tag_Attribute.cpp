@@ -8,6 +8,7 @@
 #include <stdio.h>
 
 #include "attribute/NEMA_Tag_Copy.h"
+#include "attribute/adopt.h"
 #include "attribute/list_index.h"
 #include "attribute/messages.h"
 #include "attribute/value.h"
@@ -111,22 +112,6 @@ static Attribute *List_Find (Window window, Attribute *first, uint16_t group, ui
     }
     first->seek = start;
     return start;
-}
-
-// The final record. last is nearly always it; a record inserted in tag order may have become last in front of others.
-static Attribute *List_End (Attribute *first) {
-    Attribute *end = first->last ? first->last : first;
-    while (end->next) end = end->next;
-    return end;
-}
-
-// Links a record, whose tag is set, behind the final one.
-static void List_Append (Attribute *first, Attribute *record) {
-    Attribute *end = List_End (first);
-    if (Tag_Compare_To (end, record->group, record->element) > 0) first->unordered = 1;
-    end->next   = record;
-    first->last = record;
-    List_Index_Appended (first, record);
 }
 
 // Takes the record behind previous (none: the first one) out of the list at place and releases it.
@@ -265,10 +250,13 @@ int DICOM_Attribute_Tag_Match (const char *pattern_group, const char *pattern_el
 
 // --- adding ----------------------------------------------------------------
 
+static void Trace_Insert (Window window, uint16_t group, uint16_t element, uint16_t vr_file, int32_t length) {
+    Log_Message (window, LOG_TRACE5, "in DICOM_Attribute_Insert(%04x,%04x) %c%c %d bytes", group, element,
+                 Code_First (vr_file, '-'), Code_Second (vr_file, '-'), length);
+}
+
 static void Trace_Insert (Window window, const Attribute *source) {
-    Log_Message (window, LOG_TRACE5, "in DICOM_Attribute_Insert(%04x,%04x) %c%c %d bytes", source->group,
-                 source->element, Code_First (source->vr_file, '-'), Code_Second (source->vr_file, '-'),
-                 source->length);
+    Trace_Insert (window, source->group, source->element, source->vr_file, source->length);
 }
 
 // Fills a new record, which the list at first has or will have behind its end.
@@ -325,18 +313,17 @@ Attribute *DICOM_Attribute_Insert (Window window, SequenceCursor *cursor, Attrib
     return insert ? Insert_Filled (window, cursor, place, insert, source) : nullptr;
 }
 
-Attribute *Attribute_New (Window window, const Attribute *fields, int32_t room) {
+Attribute *Attribute_New (Window window, const Element_Header *header, int32_t room, const uint8_t *bytes) {
     static const Memory_Site site = HERE ("insert", 1, RECORD_SIZE_STATED);
 
-    Attribute *record = Value_Record_New (fields, room);
+    Attribute *record = Value_Record_New (header, room, bytes);
     if (record) return record;
-    Trace_Insert (window, fields);
+    Trace_Insert (window, header->group, header->element, header->vr_file, header->length);
     Memory_Report (window, &site, "calloc");
     return nullptr;
 }
 
-Attribute **DICOM_Attribute_Adopt_Place (Window window, SequenceCursor *cursor, Insert_Path *path,
-                                         const Attribute *record) {
+Attribute **Insert_Path_Make (Window window, SequenceCursor *cursor, Insert_Path *path, const Attribute *record) {
     Trace_Insert (window, record);
     while (path->depth < cursor->depth) {
         Attribute **place = Insert_Step (window, cursor, path->place[path->depth], record, path->depth);
@@ -345,24 +332,6 @@ Attribute **DICOM_Attribute_Adopt_Place (Window window, SequenceCursor *cursor, 
         Trace_Insert (window, record);
     }
     return path->place[cursor->depth];
-}
-
-void DICOM_Attribute_Adopt_At (Window window, SequenceCursor *cursor, Attribute **place, Attribute *record) {
-    if (record->index) List_Index_Free (record);
-    record->next      = nullptr;
-    record->last      = nullptr;
-    record->seek      = nullptr;
-    record->walked    = 0;
-    record->unordered = 0;
-    if (*place) List_Append (*place, record);
-    else *place = record->last = record;
-    Attribute_Copy_Kept (window, cursor, record);
-}
-
-int DICOM_Attribute_Adopt (Window window, SequenceCursor *cursor, Insert_Path *path, Attribute *record) {
-    Attribute **place = DICOM_Attribute_Adopt_Place (window, cursor, path, record);
-    if (place) DICOM_Attribute_Adopt_At (window, cursor, place, record);
-    return place != nullptr;
 }
 
 // Puts a new record before the first one.

@@ -30,29 +30,6 @@ int DICOM_Attribute_Tag_Match (const char *pattern_group, const char *pattern_el
 Attribute *DICOM_Attribute_Insert (Window window, SequenceCursor *cursor, Attribute **place, const Attribute *source,
                                    int32_t level);
 
-// The places of the lists on the way to the one in which a cursor stands, the top list at 0, as far as they are known. A
-// caller that appends many records keeps it and says by Insert_Path_Cut which steps of its cursor made places wrong.
-struct Insert_Path {
-    Attribute **place[SEQUENCE_DEPTHS];
-    int32_t     depth;      // Of the last place that is known.
-};
-inline void Insert_Path_Cut (Insert_Path *path, int32_t depth) { if (path->depth > depth) path->depth = depth; }
-
-// The same for a record that the caller gives away (Attribute_New): it becomes the list's own instead of a copy, and gets
-// the fields that the copy would have. It has no items and no text without characters, and is in no list. 1, or 0 when it
-// stays with the caller.
-int DICOM_Attribute_Adopt (Window window, SequenceCursor *cursor, Insert_Path *path, Attribute *record);
-
-// Its two steps: the place of the list that the record would be appended to, with all that is made on the way, or none on
-// failure; and the appending there, which can't fail.
-Attribute **DICOM_Attribute_Adopt_Place (Window window, SequenceCursor *cursor, Insert_Path *path,
-                                         const Attribute *record);
-void DICOM_Attribute_Adopt_At (Window window, SequenceCursor *cursor, Attribute **place, Attribute *record);
-
-// A record with these fields that is in no list, with room for a value of so many bytes (Value_New_In_Room). What fields
-// owns passes to it. None on failure.
-Attribute *Attribute_New (Window window, const Attribute *fields, int32_t room);
-
 // The record with that tag (the last of several), or a new empty one at its place in tag order. None on failure.
 Attribute *DICOM_Attribute_Find_Or_Insert (Window window, SequenceCursor *cursor, Attribute **place, uint16_t group,
                                            uint16_t element);

@@ -148,20 +148,9 @@ static int Copy_Items (Window window, SequenceCursor *cursor, Attribute **place,
     return copied;
 }
 
-static void Copy_Begin (Window window, SequenceCursor *cursor, const Attribute *source) {
-    Log_Message (window, LOG_TRACE4, "in DICOM_Attribute_Copy_Tag(%04x,%04x)", source->group, source->element);
-    DICOM_Attribute_Sequence_Set (window, cursor, cursor->depth, source->group, source->element, 0);
-}
-
-void Attribute_Copy_Kept (Window window, SequenceCursor *cursor, Attribute *record) {
-    Copy_Begin (window, cursor, record);
-    record->level = static_cast<uint8_t> (cursor->depth);
-    if (record->flags & VR_UNKNOWN) record->vr = VR_UN;
-}
-
 int DICOM_Attribute_Copy_Tag (Window window, SequenceCursor *cursor, Attribute **place, Attribute *target,
                               const Attribute *source) {
-    Copy_Begin (window, cursor, source);
+    Attribute_Copy_Begin (window, cursor, source);
 
     int keeps = (target->flags & FORCED) || (target->flags && target->length && !(source->flags & APPEND));
     if (!keeps && !Copy_Scalars (window, cursor, target, source)) return 0;

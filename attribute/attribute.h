@@ -112,10 +112,25 @@ struct Attribute {
     List_Index  *index;         // First record of a list only: owned, of attribute/list_index.h, or none.
 };
 
+// What a reader knows of an element of a stream before it makes its record; the fields are those of the record.
+struct Element_Header {
+    uint8_t     mode;
+    uint16_t    flags;
+    uint16_t    group;
+    uint16_t    element;
+    uint16_t    vr_file;
+    uint16_t    vr;
+    uint32_t    pos_tag;
+    uint32_t    pos_data;
+    int32_t     length;
+    const Dictionary_Entry *definition;
+};
+
 // The VR that counts: the stream's, else the dictionary's.
 inline uint16_t Attribute_VR (const Attribute *attribute) {
     return attribute->vr_file ? attribute->vr_file : attribute->vr;
 }
+inline uint16_t Element_VR (const Element_Header *header) { return header->vr_file ? header->vr_file : header->vr; }
 
 // Below 0, 0 or above 0 as tag a stands before, is, or stands behind tag b.
 inline int Tag_Compare (uint16_t group_a, uint16_t element_a, uint16_t group_b, uint16_t element_b) {

@@ -8,6 +8,7 @@
 #include "attribute/NEMA_Tag_Attribute.h"
 #include "attribute/NEMA_Tag_Complement.h"
 #include "attribute/NEMA_Tag_Copy.h"
+#include "attribute/adopt.h"
 #include "attribute/messages.h"
 #include "nema/NEMA_Read_Data.h"
 #include "tables/data_dictionary.h"
@@ -17,36 +18,26 @@
 static const int32_t GUESS_LENGTH_LIMIT = 1025; // From this length on an unknown value is taken as bytes.
 
 // Explicit VRs that are kept. UT is not among them on purpose: an explicit UT is treated as if the VR were missing.
+static constexpr uint16_t known_explicit[] = {VR_AE, VR_AS, VR_AT, VR_CS, VR_DA, VR_DS, VR_DT, VR_FD, VR_FL,
+                                              VR_IS, VR_LO, VR_LT, VR_OB, VR_OW, VR_PN, VR_SH, VR_SL, VR_SQ,
+                                              VR_SS, VR_ST, VR_TM, VR_UH, VR_UI, VR_UL, VR_UN, VR_US};
+
+// Of each first letter the second ones, a bit each.
+struct VR_Set {
+    uint32_t seconds[32];
+};
+
+static constexpr VR_Set VR_Set_Make (void) {
+    VR_Set set = {};
+    for (uint16_t vr : known_explicit) set.seconds[(vr >> 8) - 'A'] |= 1u << ((vr & 0xFF) - 'A');
+    return set;
+}
+
+static constexpr VR_Set known_explicit_set = VR_Set_Make ();
+
 static int Is_Known_Explicit (uint16_t vr) {
-    switch (vr) {
-    case VR_AE:
-    case VR_AS:
-    case VR_AT:
-    case VR_CS:
-    case VR_DA:
-    case VR_DS:
-    case VR_DT:
-    case VR_FD:
-    case VR_FL:
-    case VR_IS:
-    case VR_LO:
-    case VR_LT:
-    case VR_OB:
-    case VR_OW:
-    case VR_PN:
-    case VR_SH:
-    case VR_SL:
-    case VR_SQ:
-    case VR_SS:
-    case VR_ST:
-    case VR_TM:
-    case VR_UH:
-    case VR_UI:
-    case VR_UL:
-    case VR_UN:
-    case VR_US: return 1;
-    default: return 0;
-    }
+    unsigned first = (vr >> 8) - 'A', second = (vr & 0xFF) - 'A';
+    return first < 32 && second < 32 && (known_explicit_set.seconds[first] >> second & 1);
 }
 
 static void Clean_Explicit (Window window, const Settings *settings, Attribute *attribute) {
@@ -183,23 +174,6 @@ int DICOM_Attribute_VR_Check (Window window, const Settings *settings, Attribute
 }
 
 // --- the pass --------------------------------------------------------------
-
-struct Format_Pass {
-    Window          window;
-    const Settings *settings;
-    SequenceCursor  cursor;
-    int32_t         End_Of_Sequence[SEQUENCE_DEPTHS]; // File positions, -1 when no end is known.
-    int32_t         End_Of_Item[SEQUENCE_DEPTHS];
-    int             sort_warned;
-    int             owns;      // 1: flat records are taken over, 0: copied.
-    Attribute_Test  is_right;  // None unless the list is to be lean: owns, and what only tells structure goes.
-    int32_t         structure; // Records of structure in the list.
-    unsigned        left;      // FORMAT_LEFT_...
-    Attribute      *list;
-    Insert_Path     path; // To where the cursor stands; used when they are taken over.
-    Attribute      *next; // The flat record behind the one at hand,
-    uint16_t        vr;   // and the VR by which this one is taken.
-};
 
 static int Is_Tag (const Attribute *record, uint16_t group, uint16_t element) {
     return record && record->group == group && record->element == element;
@@ -419,6 +393,45 @@ static void Look_At (Format_Pass *pass, Attribute *record) {
     if (Is_To_Complete (record, record->level)) pass->left |= FORMAT_LEFT_DESCRIPTIONS;
 }
 
+// --- plain records ---------------------------------------------------------
+
+// 1 for an attribute that is no sequence, isn't retired, and has a VR that nobody has to choose.
+static int Has_Plain_VR (const Attribute *record) {
+    if (record->group == GROUP_DELIMITER || record->length == LENGTH_UNDEFINED || record->vr == VR_RT) return 0;
+    if (record->definition && record->definition->nb_vr <= 0) return 0;
+    if (!record->vr_file) return record->vr && record->vr != VR_SQ;
+    return record->vr_file != VR_SQ && Is_Known_Explicit (record->vr_file);
+}
+
+static void Note_Mismatch (Format_Pass *pass, const Attribute *record) {
+    if (record->vr_file && record->definition && record->definition->vr[0] != record->vr_file)
+        DICOM_Attribute_VR_Match (pass->window, pass->settings, record, record->vr_file);
+}
+
+// The usual record of a lean list: of the rules for all records only those of ends, order and match have to be asked.
+static int Is_Plain (const Format_Pass *pass, const Attribute *record) {
+    return pass->is_right && !(record->flags & VR_UNKNOWN) && Has_Plain_VR (record);
+}
+
+// 0 when memory ran out.
+static int Format_Plain (Format_Pass *pass, Attribute *record) {
+    if (record->group & 1) record->flags |= PRIVATE;
+    Stop_Sequences_By_Size (pass, record);
+    Stop_Item_By_Size (pass, record);
+    Check_Order (pass, record);
+    Note_Mismatch (pass, record);
+    pass->next        = record->next;
+    Attribute **place = DICOM_Attribute_Adopt_Place (pass->window, &pass->cursor, &pass->path, record);
+    if (!place) return 0;
+    Replace_Structure (pass, place);
+    DICOM_Attribute_Adopt_At (pass->window, &pass->cursor, place, record);
+    Stop_Item_By_Size (pass, record);
+    Look_At (pass, record);
+    return 1;
+}
+
+// --- all records -----------------------------------------------------------
+
 // 0 when memory ran out.
 static int Format_Record (Format_Pass *pass, Attribute *record) {
     Log_Message (pass->window, LOG_TRACE4, "DICOM_Attribute_Format (%04x,%04x) (pos:%04X)", record->group,
@@ -444,44 +457,52 @@ static int Format_Record (Format_Pass *pass, Attribute *record) {
     return 1;
 }
 
-// The nested list, or none. The record that there was no memory for is left in *flat. is_right and left are none unless the
-// list is to be lean.
-static Attribute *Format (Window window, const Settings *settings, Attribute **flat, int owns, Attribute_Test is_right,
-                          unsigned *left) {
+static void Start (Format_Pass *pass, Window window, const Settings *settings, int owns, Attribute_Test is_right) {
     static const Settings silent = {};
 
     Log_Message (window, LOG_TRACE4, "in DICOM_Attribute_Format()");
-    Format_Pass pass     = {};
-    pass.window          = window;
-    pass.settings        = settings ? settings : &silent;
-    pass.cursor.settings = pass.settings;
-    pass.owns            = owns;
-    pass.is_right        = is_right;
-    pass.path.place[0]   = &pass.list;
-    for (int depth = 0; depth < SEQUENCE_DEPTHS; depth++) pass.End_Of_Sequence[depth] = pass.End_Of_Item[depth] = -1;
-    DICOM_Attribute_Sequence_Reset (window, &pass.cursor);
+    *pass                 = {};
+    pass->window          = window;
+    pass->settings        = settings ? settings : &silent;
+    pass->cursor.settings = pass->settings;
+    pass->owns            = owns;
+    pass->is_right        = is_right;
+    pass->path.place[0]   = &pass->list;
+    for (int depth = 0; depth < SEQUENCE_DEPTHS; depth++) pass->End_Of_Sequence[depth] = pass->End_Of_Item[depth] = -1;
+    DICOM_Attribute_Sequence_Reset (window, &pass->cursor);
+}
 
-    for (; *flat; *flat = pass.next) {
-        if (Format_Record (&pass, *flat)) continue;
-        DICOM_Attribute_Sequence_Reset (window, &pass.cursor);
-        DICOM_Attribute_Delete (window, &pass.cursor, &pass.list, TAG_ANY, TAG_ANY);
-        return nullptr;
-    }
-    if (pass.structure) pass.left |= FORMAT_LEFT_STRUCTURE | FORMAT_LEFT_DESCRIPTIONS;
-    if (left) *left = pass.left;
+int DICOM_Attribute_Format_Next (Format_Pass *pass, Attribute *record) {
+    if (pass->failed) return 0;
+    if (Is_Plain (pass, record) ? Format_Plain (pass, record) : Format_Record (pass, record)) return 1;
+    pass->failed = 1;
+    DICOM_Attribute_Sequence_Reset (pass->window, &pass->cursor);
+    DICOM_Attribute_Delete (pass->window, &pass->cursor, &pass->list, TAG_ANY, TAG_ANY);
+    return 0;
+}
+
+// The nested list, or none. The record that there was no memory for is left in *flat.
+static Attribute *Format (Window window, const Settings *settings, Attribute **flat, int owns) {
+    Format_Pass pass;
+    Start (&pass, window, settings, owns, nullptr);
+    while (*flat && DICOM_Attribute_Format_Next (&pass, *flat)) *flat = pass.next;
     return pass.list;
 }
 
 Attribute *DICOM_Attribute_Format (Window window, const Settings *settings, Attribute *flat_first) {
-    return Format (window, settings, &flat_first, 0, nullptr, nullptr);
+    return Format (window, settings, &flat_first, 0);
 }
 
 Attribute *DICOM_Attribute_Format_Own (Window window, const Settings *settings, Attribute **flat) {
-    return Format (window, settings, flat, 1, nullptr, nullptr);
+    return Format (window, settings, flat, 1);
 }
 
-Attribute *DICOM_Attribute_Format_Lean (Window window, const Settings *settings, Attribute **flat,
-                                        Attribute_Test is_right, unsigned *left) {
-    *left = 0;
-    return Format (window, settings, flat, 1, is_right, left);
+void DICOM_Attribute_Format_Start (Format_Pass *pass, Window window, const Settings *settings,
+                                   Attribute_Test is_right) {
+    Start (pass, window, settings, 1, is_right);
+}
+
+Attribute *DICOM_Attribute_Format_End (const Format_Pass *pass, unsigned *left) {
+    *left = pass->left | (pass->structure ? FORMAT_LEFT_STRUCTURE | FORMAT_LEFT_DESCRIPTIONS : 0);
+    return pass->list;
 }

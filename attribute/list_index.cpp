@@ -184,9 +184,7 @@ static void Table_Add (List_Index *index, Attribute *record) {
     else Table_Enter (index, record);
 }
 
-void List_Index_Appended (Attribute *first, Attribute *record) {
-    if (first->index) Table_Add (first->index, record);
-}
+void List_Index_Appended (Attribute *first, Attribute *record) { Table_Add (first->index, record); }
 
 // A record of the same tag may stand before the new one or behind it.
 void List_Index_Placed (Attribute *first, Attribute *record) {

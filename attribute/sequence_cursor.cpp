@@ -87,11 +87,3 @@ void DICOM_Attribute_Sequence_Get (Window, const SequenceCursor *cursor, int32_t
     *element  = known ? cursor->element[depth] : 0;
     if (flags) *flags = known ? cursor->flags[depth] : 0;
 }
-
-void DICOM_Attribute_Sequence_Set (Window, SequenceCursor *cursor, int32_t depth, uint16_t group, uint16_t element,
-                                   uint16_t flags) {
-    if (depth < 0 || depth >= SEQUENCE_DEPTHS) return;
-    cursor->group[depth]   = group;
-    cursor->element[depth] = element;
-    cursor->flags[depth]   = flags;
-}

@@ -31,8 +31,13 @@ int32_t DICOM_Attribute_Sequence_End   (Window window, const SequenceCursor *cur
 int32_t DICOM_Attribute_Sequence_Depth (Window window, const SequenceCursor *cursor);
 void    DICOM_Attribute_Sequence_Get   (Window window, const SequenceCursor *cursor, int32_t depth, uint16_t *group,
                                         uint16_t *element, uint16_t *flags);                // flags may be none.
-void    DICOM_Attribute_Sequence_Set   (Window window, SequenceCursor *cursor, int32_t depth, uint16_t group,
-                                        uint16_t element, uint16_t flags);
+inline void DICOM_Attribute_Sequence_Set (Window, SequenceCursor *cursor, int32_t depth, uint16_t group, uint16_t element,
+                                          uint16_t flags) {
+    if (depth < 0 || depth >= SEQUENCE_DEPTHS) return;
+    cursor->group[depth]   = group;
+    cursor->element[depth] = element;
+    cursor->flags[depth]   = flags;
+}
 
 // The kinds of messages that the cursor's settings give.
 int Sequence_Kind_Warning (const SequenceCursor *cursor);

@@ -57,13 +57,35 @@ int Value_New (Window window, Memory_Site site, Attribute *attribute, int32_t le
 
 // --- room behind a record --------------------------------------------------
 
-Attribute *Value_Record_New (const Attribute *fields, int32_t length) {
-    size_t     room   = length > 0 ? Block_Size (length) : 0;
-    Attribute *record = static_cast<Attribute *> (Memory_Try (sizeof (Attribute) + room));
+// The fields are stored one by one: a copy of the header would wait until its parts have reached the memory.
+static void Header_Set (Attribute *record, const Element_Header *header) {
+    *record            = {};
+    record->mode       = header->mode;
+    record->flags      = header->flags;
+    record->group      = header->group;
+    record->element    = header->element;
+    record->vr_file    = header->vr_file;
+    record->vr         = header->vr;
+    record->pos_tag    = header->pos_tag;
+    record->pos_data   = header->pos_data;
+    record->length     = header->length;
+    record->definition = header->definition;
+}
+
+Attribute *Value_Record_New (const Element_Header *header, int32_t room, const uint8_t *bytes) {
+    size_t     behind = room > 0 ? Block_Size (room) : 0;
+    Attribute *record = static_cast<Attribute *> (Memory_Try (sizeof (Attribute) + behind));
     if (!record) return nullptr;
-    *record      = *fields;
-    record->room = static_cast<uint8_t> (length);
-    if (length) *Room_Block (record) = {1, BLOCK_ROOM};
+    Header_Set (record, header);
+    if (!room) return record;
+
+    Value_Block *block = Room_Block (record);
+    record->room       = static_cast<uint8_t> (room);
+    *block             = {bytes ? 2 : 1, BLOCK_ROOM};
+    if (!bytes) return record;
+    record->block = block;
+    record->data  = Block_Bytes (block);
+    memcpy (record->data, bytes, static_cast<size_t> (room));
     return record;
 }
 

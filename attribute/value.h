@@ -17,8 +17,9 @@
 // the old one. length and the other fields stay. 1, or 0 after the malloc message.
 int Value_New (Window window, Memory_Site site, Attribute *attribute, int32_t length);
 
-// Memory for a record and a value of length bytes (0 for none), with these fields. None on failure, which isn't reported.
-Attribute *Value_Record_New (const Attribute *fields, int32_t length);
+// A record of this element, with room for a value of so many bytes (0 for none), and with a copy of these bytes as its
+// value unless bytes is none. None on failure, which isn't reported.
+Attribute *Value_Record_New (const Element_Header *header, int32_t room, const uint8_t *bytes);
 void       Value_Record_Free (Attribute *record);   // The record's memory, also one's without room, and its value.
 
 static const int32_t VALUE_ROOM_MOST = 96;          // Longer values have a block of their own.

@@ -1,12 +1,14 @@
 // A file passes through phases, each of which leaves a list for the next: the elements in stream order, the nested list
-// that they form, the same without the item and delimiter records that only told where things end. Nothing that a file
-// holds may end the reading in silence, and what was read before a fault is kept.
+// that they form, the same without the item and delimiter records that only told where things end. Where nobody reads what
+// the phases say, the first ones go together. Nothing that a file holds may end the reading in silence, and what was read
+// before a fault is kept.
 #include "compare/file_reader.h"
 
 #include <string.h>
 
 #include "attribute/NEMA_Tag_Attribute.h"
 #include "attribute/NEMA_Tag_Complement.h"
+#include "attribute/adopt.h"
 #include "attribute/format.h"
 #include "attribute/listing.h"
 #include "attribute/value.h"
@@ -35,8 +37,10 @@ struct Reading {
     int64_t         size;         // Of the file.
     uint8_t         mode;         // For the next element.
     int             encapsulated; // 1 between encapsulated pixel data and the end of its fragments.
-    Attribute      *list;         // Read so far,
+    Attribute      *list;         // Read so far in stream order,
     Insert_Path     path;         // and the way to its end.
+    Format_Pass    *nesting;      // None unless records are nested as they come: then the list stays empty.
+    Attribute      *waiting;      // To be nested: it waits for the one behind it.
 };
 
 struct Transfer_Syntax {
@@ -108,92 +112,90 @@ static int64_t Position (const Reading *reading) {
 
 // The mode in which a value is stored: file meta information is little endian in every transfer syntax, and item tags
 // are read without VR and without exchanged units.
-static uint8_t Value_Mode (uint8_t mode, const Attribute *attribute) {
-    if (attribute->group == GROUP_META) return (mode & MODE_VENDOR) | (attribute->vr_file ? MODE_EXPLICIT : 0);
-    if (attribute->group == GROUP_DELIMITER) return mode & (0xC0 | MODE_BIG_ENDIAN);
+static uint8_t Value_Mode (uint8_t mode, const Element_Header *header) {
+    if (header->group == GROUP_META) return (mode & MODE_VENDOR) | (header->vr_file ? MODE_EXPLICIT : 0);
+    if (header->group == GROUP_DELIMITER) return mode & (0xC0 | MODE_BIG_ENDIAN);
     return mode;
 }
 
-static Step Read_Header (Reading *reading, Attribute *attribute) {
-    int64_t start      = Position (reading);
-    attribute->pos_tag = start < 0 ? 0 : static_cast<uint32_t> (start);
+static Step Read_Header (Reading *reading, Element_Header *header) {
+    int64_t start   = Position (reading);
+    header->pos_tag = start < 0 ? 0 : static_cast<uint32_t> (start);
     if (start + ELEMENT_LEAST > reading->size) {
         Log_Message (reading->window, LOG_TRACE3, "--> ****** end of file ******");
         return STEP_END;
     }
 
-    attribute->flags = ORIGIN_DICOM;
-    if (!NEMA_Get_Data_Element (reading->window, &reading->source, reading->mode, &attribute->group,
-                                &attribute->element, &attribute->vr_file, &attribute->length,
-                                static_cast<int32_t> (reading->size)))
+    header->flags = ORIGIN_DICOM;
+    if (!NEMA_Get_Data_Element (reading->window, &reading->source, reading->mode, &header->group, &header->element,
+                                &header->vr_file, &header->length, static_cast<int32_t> (reading->size)))
         return STEP_FAILED;
-    attribute->mode = Value_Mode (reading->mode, attribute);
-    Log_Message (reading->window, LOG_TRACE2, "(%04x,%04x) VR:%c%c length:%d pos:%d of %d", attribute->group,
-                 attribute->element, Code_First (attribute->vr_file, '0'), Code_Second (attribute->vr_file, '0'),
-                 attribute->length, static_cast<int> (start), static_cast<int> (reading->size));
+    header->mode = Value_Mode (reading->mode, header);
+    Log_Message (reading->window, LOG_TRACE2, "(%04x,%04x) VR:%c%c length:%d pos:%d of %d", header->group,
+                 header->element, Code_First (header->vr_file, '0'), Code_Second (header->vr_file, '0'), header->length,
+                 static_cast<int> (start), static_cast<int> (reading->size));
     return STEP_DONE;
 }
 
 // The header against what is left of the file. An element of zeros is the padding of a stream, not an attribute.
-static Step Check_Header (Reading *reading, Attribute *attribute) {
-    int64_t start       = Position (reading);
-    int64_t left        = reading->size - start;
-    bool    zero        = attribute->group == 0 && attribute->element == 0;
-    attribute->pos_data = start < 0 ? 0 : static_cast<uint32_t> (start);
+static Step Check_Header (Reading *reading, Element_Header *header) {
+    int64_t start    = Position (reading);
+    int64_t left     = reading->size - start;
+    bool    zero     = header->group == 0 && header->element == 0;
+    header->pos_data = start < 0 ? 0 : static_cast<uint32_t> (start);
 
-    if (!zero && attribute->length == 0 && left < 0) {
+    if (!zero && header->length == 0 && left < 0) {
         Log_Message (reading->window, LOG_TRACE3, "--> ****** end of file ******");
         return STEP_END;
     }
-    if (zero && !attribute->vr_file && attribute->length == 0) {
+    if (zero && !header->vr_file && header->length == 0) {
         Log_Message (reading->window, LOG_TRACE3, "--> ****** NULL element ******");
         return STEP_END;
     }
-    if (attribute->length > 0 && attribute->length > left) {
+    if (header->length > 0 && header->length > left) {
         Log_Message (reading->window, Sequence_Kind_Warning (reading->cursor),
                      EMPHASIS COLOUR_YELLOW "    WARNING:" EMPHASIS_END COLOUR_BLACK " (" COLOUR_BLUE
                                             "%04x" COLOUR_BLACK "," COLOUR_BLUE "%04x" COLOUR_BLACK
                                             ") Invalid tag length (size=" COLOUR_BLUE "%d" COLOUR_BLACK ")!",
-                     attribute->group, attribute->element, attribute->length);
-        attribute->flags |= SYNTAX_ERROR;
-        attribute->length = left > 0 ? static_cast<int32_t> (left) : 0;
+                     header->group, header->element, header->length);
+        header->flags |= SYNTAX_ERROR;
+        header->length = left > 0 ? static_cast<int32_t> (left) : 0;
     }
     return STEP_DONE;
 }
 
 // Items and delimiters are structure: the dictionary isn't asked about them.
-static void Look_Up (const Reading *reading, Attribute *attribute) {
-    if (attribute->group == GROUP_DELIMITER) return;
+static void Look_Up (const Reading *reading, Element_Header *header) {
+    if (header->group == GROUP_DELIMITER) return;
 
-    attribute->definition = Dictionary_Lookup (reading->window, attribute->group, attribute->element);
-    if (attribute->definition) {
-        attribute->vr = attribute->definition->vr[0];
-    } else if (attribute->element != 0) {
-        if (attribute->group != GROUP_PIXEL)
+    header->definition = Dictionary_Lookup (reading->window, header->group, header->element);
+    if (header->definition) {
+        header->vr = header->definition->vr[0];
+    } else if (header->element != 0) {
+        if (header->group != GROUP_PIXEL)
             Log_Message (reading->window, Sequence_Kind_Note (reading->cursor),
                          COLOUR_BLACK "    (" COLOUR_BLUE "%04x" COLOUR_BLACK "," COLOUR_BLUE "%04x" COLOUR_BLACK
                                       ") Unknown tag",
-                         attribute->group, attribute->element);
-        attribute->flags |= DELETED;
+                         header->group, header->element);
+        header->flags |= DELETED;
     }
 }
 
-static bool Is_Item (const Attribute *attribute) {
-    return attribute->group == GROUP_DELIMITER && attribute->element == ELEMENT_ITEM;
+static bool Is_Item (const Element_Header *header) {
+    return header->group == GROUP_DELIMITER && header->element == ELEMENT_ITEM;
 }
 
 // Tells fragments of encapsulated pixel data from items of a sequence: every element but an item decides anew.
-static void Mark_Content (Reading *reading, Attribute *attribute) {
-    uint16_t vr = Attribute_VR (attribute);
-    if (!Is_Item (attribute))
-        reading->encapsulated = (vr == VR_OB || vr == VR_OW) && attribute->length == LENGTH_UNDEFINED;
-    else attribute->vr = reading->encapsulated ? VR_FRAGMENT : VR_ITEM;
+static void Mark_Content (Reading *reading, Element_Header *header) {
+    uint16_t vr = Element_VR (header);
+    if (!Is_Item (header)) reading->encapsulated = (vr == VR_OB || vr == VR_OW) && header->length == LENGTH_UNDEFINED;
+    else header->vr = reading->encapsulated ? VR_FRAGMENT : VR_ITEM;
 }
 
 // The content of a sequence and of its items follows as elements; a fragment has a value like any other element.
-static bool Has_Value (const Reading *reading, const Attribute *attribute) {
-    if (attribute->length <= 0 || Attribute_VR (attribute) == VR_SQ) return false;
-    return !Is_Item (attribute) || reading->encapsulated;
+static bool Has_Value (const Reading *reading, const Element_Header *header) {
+    if (header->length <= 0 || Element_VR (header) == VR_SQ) return false;
+    return !Is_Item (header) || reading->encapsulated;
 }
 
 // The transfer syntax counts from the next element on. Its value ends at the first zero byte.
@@ -208,24 +210,51 @@ static void Apply_Syntax (Reading *reading, Attribute *attribute) {
             reading->mode = (reading->mode & MODE_VENDOR) | syntax.mode;
 }
 
-// Makes the record of the element whose header was read, with its value, and appends it to the list.
-static Step Append (Reading *reading, const Attribute *header) {
-    Window     window    = reading->window;
-    bool       has_value = Has_Value (reading, header);
-    int32_t    room      = has_value && header->length <= VALUE_ROOM_MOST ? header->length : 0;
-    Attribute *record    = Attribute_New (window, header, room);
-    if (!record) return STEP_FAILED;
-    if ((!has_value || NEMA_Read_Buffer (window, &reading->source, record->mode, record->length, record)) &&
-        DICOM_Attribute_Adopt (window, reading->cursor, &reading->path, record)) {
-        Apply_Syntax (reading, record);
-        return STEP_DONE;
+// Makes the record of the element whose header was read, with its value. None on failure. A value that stands in the
+// source's buffer, as nearly all short ones do, is taken from there at once.
+static Attribute *Record (Reading *reading, const Element_Header *header) {
+    Window       window = reading->window;
+    NEMA_Source *source = &reading->source;
+    if (!Has_Value (reading, header)) return Attribute_New (window, header, 0, nullptr);
+
+    int32_t        room = header->length <= VALUE_ROOM_MOST ? header->length : 0;
+    const uint8_t *bytes =
+        room && !(header->mode & MODE_SWAB) ? NEMA_View (source, static_cast<size_t> (room)) : nullptr;
+    Attribute *record = Attribute_New (window, header, room, bytes);
+    if (!record) return nullptr;
+    if (bytes) {
+        NEMA_Advance (source, room);
+        return record;
     }
+    if (NEMA_Read_Buffer (window, source, record->mode, record->length, record)) return record;
     Value_Record_Free (record);
-    return STEP_FAILED;
+    return nullptr;
+}
+
+// Nests the record that has waited for the one behind it. Without memory the rest is read for what there is to say of it.
+static void Nest_Waiting (Reading *reading, Attribute *behind) {
+    Attribute *record = reading->waiting;
+    reading->waiting  = behind;
+    if (!record) return;
+    record->next = behind;
+    if (!DICOM_Attribute_Format_Next (reading->nesting, record)) Value_Record_Free (record);
+}
+
+// Adds the element whose header was read.
+static Step Append (Reading *reading, const Element_Header *header) {
+    Attribute *record = Record (reading, header);
+    if (!record) return STEP_FAILED;
+    if (!reading->nesting && !DICOM_Attribute_Adopt (reading->window, reading->cursor, &reading->path, record)) {
+        Value_Record_Free (record);
+        return STEP_FAILED;
+    }
+    Apply_Syntax (reading, record);
+    if (reading->nesting) Nest_Waiting (reading, record);
+    return STEP_DONE;
 }
 
 // header, which the caller has cleared, gets what is known of the element without its value.
-static Step Read_Element (Reading *reading, Attribute *header) {
+static Step Read_Element (Reading *reading, Element_Header *header) {
     Step step = Read_Header (reading, header);
     if (step == STEP_DONE) step = Check_Header (reading, header);
     if (step != STEP_DONE) return step;
@@ -265,16 +294,18 @@ static void Read_Stream (Reading *reading) {
     DICOM_Attribute_Sequence_Reset (window, reading->cursor);
     Log_Message (window, LOG_TRACE1, "---------- Reading DICOM tags -------------");
 
-    Attribute header;
-    Step      step = STEP_DONE;
+    Element_Header header;
+    Step           step = STEP_DONE;
     while (step == STEP_DONE) {
         header = {};
         step   = Read_Element (reading, &header);
     }
+    if (reading->nesting) Nest_Waiting (reading, nullptr);
     if (step == STEP_FAILED) Report_Early_Stop (reading, header.pos_tag);
 }
 
-Attribute *File_Read_Elements (Window window, SequenceCursor *cursor, const char *name) {
+// The elements, unless they are nested as they come, or none after a report.
+static Attribute *Read_Elements (Window window, SequenceCursor *cursor, const char *name, Format_Pass *nesting) {
     if (!name || !*name) return nullptr;
 
     File *file = File_Open (name);
@@ -291,6 +322,7 @@ Attribute *File_Read_Elements (Window window, SequenceCursor *cursor, const char
     Reading reading         = {};
     reading.window          = window;
     reading.cursor          = cursor;
+    reading.nesting         = nesting;
     reading.source.kind     = NEMA_FILE;
     reading.source.name     = name;
     reading.source.file     = file;
@@ -302,6 +334,10 @@ Attribute *File_Read_Elements (Window window, SequenceCursor *cursor, const char
     if (Find_First_Element (&reading)) Read_Stream (&reading);
     File_Close (reading.source.file);
     return reading.list;
+}
+
+Attribute *File_Read_Elements (Window window, SequenceCursor *cursor, const char *name) {
+    return Read_Elements (window, cursor, name, nullptr);
 }
 
 // --- phases ----------------------------------------------------------------
@@ -319,13 +355,10 @@ static void Trace_List (Window window, SequenceCursor *cursor, Attribute *list, 
 }
 
 // The records of the elements become those of the nested list, unless a trace tells of the copies and of their release.
-// What the later phases would drop goes at once, unless a trace shows the list before. left is what they have to do.
-static Attribute *Nest (Window window, const SequenceCursor *cursor, Attribute **elements, unsigned *left) {
+static Attribute *Nest (Window window, const SequenceCursor *cursor, Attribute **elements) {
     Attribute *list;
-    *left = FORMAT_LEFT_ALL;
     if (Log_Is_Read (LOG_TRACE5)) list = DICOM_Attribute_Format (window, cursor->settings, *elements);
-    else if (Log_Is_Read (LOG_TRACE2)) list = DICOM_Attribute_Format_Own (window, cursor->settings, elements);
-    else list = DICOM_Attribute_Format_Lean (window, cursor->settings, elements, Syntax_Is_Right, left);
+    else list = DICOM_Attribute_Format_Own (window, cursor->settings, elements);
     if (!list) Log_Message (window, LOG_TRACE1, "Failed in DICOM_Attribute_Format()");
     return list;
 }
@@ -347,7 +380,8 @@ static void Drop_Structure (Window window, SequenceCursor *cursor, Attribute **l
     DICOM_Attribute_Delete (window, cursor, list, GROUP_DELIMITER, TAG_ANY);
 }
 
-Attribute *File_Read_List (Window window, SequenceCursor *cursor, const char *name) {
+// Phase by phase, with what each has to say and to show.
+static Attribute *Read_In_Phases (Window window, SequenceCursor *cursor, const char *name) {
     DICOM_Attribute_Sequence_Reset (window, cursor);
     Attribute *elements = File_Read_Elements (window, cursor, name);
     Trace_List (window, cursor, elements,
@@ -355,18 +389,41 @@ Attribute *File_Read_List (Window window, SequenceCursor *cursor, const char *na
     DICOM_Attribute_Sequence_Reset (window, cursor);
 
     Log_Section (window, LOG_TRACE2, "-----                        Cleanup DICOM Tags                           -----");
-    unsigned   left;
-    Attribute *list = Nest (window, cursor, &elements, &left);
-    if (list && (left & FORMAT_LEFT_VALUES)) Clean (window, cursor, list);
+    Attribute *list = Nest (window, cursor, &elements);
+    if (list) Clean (window, cursor, list);
     List_Delete (window, cursor, &elements);
     if (!list) return nullptr;
     Trace_List (window, cursor, list,
                 "-----                       Stool After Cleanup                          ----- ");
 
     Log_Section (window, LOG_TRACE2, "-----           Complementing the info                                    -----");
-    Complete (window, cursor, list, left);
-    if (left & FORMAT_LEFT_STRUCTURE) Drop_Structure (window, cursor, &list);
+    Complete (window, cursor, list, FORMAT_LEFT_ALL);
+    Drop_Structure (window, cursor, &list);
     Trace_List (window, cursor, list,
                 "-----                       Stool After Complement                        -----");
     return list;
+}
+
+// The same at once: each element is nested while the next one is read, and what is left to do is done.
+static Attribute *Read_At_Once (Window window, SequenceCursor *cursor, const char *name) {
+    Format_Pass nesting;
+    unsigned    left;
+    DICOM_Attribute_Sequence_Reset (window, cursor);
+    DICOM_Attribute_Format_Start (&nesting, window, cursor->settings, Syntax_Is_Right);
+    Read_Elements (window, cursor, name, &nesting);
+    Attribute *list = DICOM_Attribute_Format_End (&nesting, &left);
+    if (!list) return nullptr;
+    if (left & FORMAT_LEFT_VALUES) Clean (window, cursor, list);
+    Complete (window, cursor, list, left);
+    if (left & FORMAT_LEFT_STRUCTURE) Drop_Structure (window, cursor, &list);
+    return list;
+}
+
+// 1 when nobody reads what the phases behind the reading say, so that nothing tells in which order they went.
+static bool Is_Silent (const SequenceCursor *cursor) {
+    return !Log_Is_Read (LOG_TRACE1) && !Sequence_Kind_Warning (cursor) && !Sequence_Kind_Note (cursor);
+}
+
+Attribute *File_Read_List (Window window, SequenceCursor *cursor, const char *name) {
+    return Is_Silent (cursor) ? Read_At_Once (window, cursor, name) : Read_In_Phases (window, cursor, name);
 }

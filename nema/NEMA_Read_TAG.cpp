@@ -336,51 +336,64 @@ static int32_t Long_At (const uint8_t *bytes) {
     return static_cast<int32_t> (Short_At (bytes) | static_cast<uint32_t> (Short_At (bytes + 2)) << 16);
 }
 
+// The fields of a header that is taken from the buffer.
+struct Plain {
+    uint16_t group;
+    uint16_t element;
+    uint16_t vr;
+    int32_t  length;
+};
+
 // Bytes of a header of that tag and of the bytes in front of its length, which tell by the VR how long that is.
-static int Plain_Fields (Header *header, const uint8_t *bytes) {
-    if (header->group == GROUP_DELIMITER || !(header->mode & MODE_EXPLICIT)) {
-        header->length = Long_At (bytes + 4);
+static inline int Plain_Fields (Plain *plain, uint8_t mode, const uint8_t *bytes) {
+    if (plain->group == GROUP_DELIMITER || !(mode & MODE_EXPLICIT)) {
+        plain->length = Long_At (bytes + 4);
         return 8;
     }
     if (!Is_Upper (bytes[4]) || !Is_Upper (bytes[5])) return 0;
-    header->vr = static_cast<uint16_t> (bytes[4] * 256 + bytes[5]);
-    if (!Has_Reserved_Bytes (header->vr)) {
-        header->length = Short_At (bytes + 6);
+    plain->vr = static_cast<uint16_t> (bytes[4] * 256 + bytes[5]);
+    if (!Has_Reserved_Bytes (plain->vr)) {
+        plain->length = Short_At (bytes + 6);
         return 8;
     }
-    header->length = Long_At (bytes + 8);
+    plain->length = Long_At (bytes + 8);
     return Short_At (bytes + 6) ? 0 : PLAIN_SIZE;
 }
 
-// 1 when no repair, check or look at the value has anything to do with it.
-static int Is_Plain (const Header *header) {
-    if (header->group == GROUP_SIEMENS || Is_Tag (header, 0x3F3F, 0x003F) || Is_Tag (header, 0xFEFF, 0x00E0)) return 0;
-    if (header->length == LENGTH_UNDEFINED) return header->group != GROUP_PIXEL;
-    if (header->length < 0 || (header->length & 1)) return 0;
-    return header->limit <= 0 || header->length < header->limit;
+// 1 when no repair, check or look at the value has anything to do with it. Of the tags that a repair is looking for only
+// the group is asked: such groups are rare.
+static inline int Is_Plain (const Plain *plain, int64_t limit) {
+    if (plain->group == GROUP_SIEMENS || plain->group == 0x3F3F || plain->group == 0xFEFF) return 0;
+    if (plain->length == LENGTH_UNDEFINED) return plain->group != GROUP_PIXEL;
+    if (plain->length & (INT32_MIN | 1)) return 0;
+    return limit <= 0 || plain->length < limit;
 }
 
 // Nearly all elements are little endian, have nothing to repair, and stand in the source's buffer: such a header is taken
 // from there at once. 1, or 0 when it has to be read field by field; then nothing has happened. Silent, so not for traces.
-static int Read_Plain (Header *header) {
-    if (header->mode & (MODE_BIG_ENDIAN | MODE_SWAB) || Log_Is_Read (LOG_TRACE4)) return 0;
-    const uint8_t *bytes = NEMA_View (header->source, PLAIN_SIZE);
+static inline int Read_Plain (NEMA_Source *source, uint8_t mode, int64_t limit, Plain *plain) {
+    if (mode & (MODE_BIG_ENDIAN | MODE_SWAB) || Log_Is_Read (LOG_TRACE4)) return 0;
+    const uint8_t *bytes = NEMA_View (source, PLAIN_SIZE);
     if (!bytes) return 0;
-    header->group   = Short_At (bytes);
-    header->element = Short_At (bytes + 2);
-    int size        = header->group == GROUP_META ? 0 : Plain_Fields (header, bytes);
-    if (!size || !Is_Plain (header)) {
-        header->vr = 0;
-        return 0;
-    }
-    NEMA_Advance (header->source, size);
+    *plain   = {Short_At (bytes), Short_At (bytes + 2), 0, 0};
+    int size = plain->group == GROUP_META ? 0 : Plain_Fields (plain, mode, bytes);
+    if (!size || !Is_Plain (plain, limit)) return 0;
+    NEMA_Advance (source, size);
     return 1;
 }
 
 int NEMA_Get_Data_Element (Window window, NEMA_Source *source, uint8_t mode, uint16_t *group, uint16_t *element,
                            uint16_t *vr, int32_t *length, int32_t limit) {
+    Plain plain;
+    if (Read_Plain (source, mode, limit, &plain)) {
+        *group   = plain.group;
+        *element = plain.element;
+        *vr      = plain.vr;
+        *length  = plain.length;
+        return 1;
+    }
     Header header = {window, source, mode, 0, 0, 0, 0, 0, limit};
-    if (!Read_Plain (&header) && Read_Header (&header) == STEP_FAILED) return 0;
+    if (Read_Header (&header) == STEP_FAILED) return 0;
     *group   = header.group;
     *element = header.element;
     *vr      = header.vr;

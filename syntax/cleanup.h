@@ -8,7 +8,7 @@
 // Brings every attribute of the list and of its items into order and corrects it. Returns 1.
 int DICOM_Attribute_Cleanup_Walk (Window window, SequenceCursor *cursor, Attribute *list);
 
-// Both passes over a list that comes from DICOM_Attribute_Format_Lean, one behind the other: the check, then this one.
+// Both passes over a list that comes from DICOM_Attribute_Format_End, one behind the other: the check, then this one.
 // They leave out the values that were found right there. Nothing may change values in between. Returns 1.
 int DICOM_Attribute_Check_And_Clean (Window window, SequenceCursor *cursor, Attribute *list);
 

@@ -690,19 +690,6 @@ TEST (FormatVrCheck, TheGuessStaysInTheFlatRecordAndTheNestedOneIsUn) {
 
 // --- a list given away -----------------------------------------------------
 
-static std::string Fields (const Attribute *list) {
-    std::string text;
-    char        line[128];
-    for (; list; list = list->next) {
-        snprintf (line, sizeof line, "%u (%04x,%04x) %x %x %x %x %d %u %u %s %s\n", list->level, list->group,
-                  list->element, list->flags, list->vr_file, list->vr, list->mode, list->length, list->pos_tag,
-                  list->pos_data, Value (list).c_str (), list->description ? list->description : "-");
-        text += line;
-        for (int32_t i = 0; i < list->nb_item; i++) text += "[" + Fields (list->item[i]) + "]";
-    }
-    return text;
-}
-
 // Elements, items and ends in any order, of a few tags, so that sequences come twice, end wrongly and nest too deep.
 static void Add_Random (Flat *flat, std::mt19937 *random) {
     auto       below  = [random] (uint32_t count) { return (*random) () % count; };
@@ -767,6 +754,18 @@ static std::string Read_On (Attribute **list, unsigned left, int lean) {
     return fields;
 }
 
+// The lean list that a reader gets which gives away the records of a flat one.
+static Attribute *Format_Lean (Attribute **flat, unsigned *left) {
+    Format_Pass pass;
+    DICOM_Attribute_Format_Start (&pass, nullptr, &warning_settings, Syntax_Is_Right);
+    while (*flat) {
+        Attribute *record = *flat;
+        *flat             = record->next;
+        EXPECT_EQ (1, DICOM_Attribute_Format_Next (&pass, record));
+    }
+    return DICOM_Attribute_Format_End (&pass, left);
+}
+
 static void Empty_Last (Test_List *list) {
     Attribute *last = list->first->last;
     if (!last->data) return;
@@ -805,9 +804,7 @@ TEST (Format, ALeanListComesToWhatAllPassesMakeOfAWholeOne) {
             Attribute   *first    = DICOM_Attribute_Format_Own (nullptr, &warning_settings, &whole.list.first);
             std::string  expected = Read_On (&first, FORMAT_LEFT_ALL, 0);
             Log_Recorder second_said;
-            Attribute   *second =
-                DICOM_Attribute_Format_Lean (nullptr, &warning_settings, &lean.list.first, Syntax_Is_Right, &left);
-            EXPECT_EQ (nullptr, lean.list.first);
+            Attribute   *second = Format_Lean (&lean.list.first, &left);
             times[left]++;
             ASSERT_EQ (expected, Read_On (&second, left, 1)) << seed;
             ASSERT_EQ (first_said.All (), second_said.All ()) << seed;

@@ -202,10 +202,10 @@ TEST (Value, AFailedMappingLeavesTheValue) {
 // --- room behind a record --------------------------------------------------
 
 static Attribute *With_Room (int32_t room, const std::string &value) {
-    Attribute fields  = {};
-    fields.length     = static_cast<int32_t> (value.size ());
-    Attribute *record = Value_Record_New (&fields, room);
-    if (record && Value_New_In_Room (record, fields.length)) memcpy (record->data, value.data (), value.size ());
+    Element_Header header = {};
+    header.length         = static_cast<int32_t> (value.size ());
+    Attribute *record     = Value_Record_New (&header, room, nullptr);
+    if (record && Value_New_In_Room (record, header.length)) memcpy (record->data, value.data (), value.size ());
     return record;
 }
 
@@ -224,6 +224,39 @@ TEST (Value, RoomBehindARecordTakesOneValueThatFits) {
     EXPECT_EQ (before, Memory_Live ());
 }
 
+TEST (Value, ARecordIsMadeWithItsFieldsAndItsValue) {
+    static const uint8_t bytes[] = {'A', 'B', 'C', 'D'};
+
+    static const Dictionary_Entry *const entry = reinterpret_cast<const Dictionary_Entry *> (bytes); // Not looked into.
+
+    long           before = Memory_Live ();
+    Element_Header header = {1, 2, 3, 4, VR_SH, VR_LO, 7, 8, 4, entry};
+    Attribute     *record = Value_Record_New (&header, 4, bytes);
+    ASSERT_NE (nullptr, record);
+    EXPECT_EQ (before + 1, Memory_Live ());
+    EXPECT_EQ ("ABCD", Value (record));
+    EXPECT_NE (bytes, record->data);
+    EXPECT_EQ (1, record->mode);
+    EXPECT_EQ (2, record->flags);
+    EXPECT_EQ (3, record->group);
+    EXPECT_EQ (4, record->element);
+    EXPECT_EQ (VR_SH, record->vr_file);
+    EXPECT_EQ (VR_LO, record->vr);
+    EXPECT_EQ (7u, record->pos_tag);
+    EXPECT_EQ (8u, record->pos_data);
+    EXPECT_EQ (entry, record->definition);
+    EXPECT_EQ (nullptr, record->next);
+    EXPECT_EQ (nullptr, record->item);
+    EXPECT_EQ (nullptr, record->description);
+
+    Attribute b = {};
+    Value_Share (&b, record);
+    Value_Record_Free (record);
+    EXPECT_EQ ("ABCD", std::string (reinterpret_cast<const char *> (b.data), 4)); // its room stays
+    Value_Release (&b);
+    EXPECT_EQ (before, Memory_Live ());
+}
+
 TEST (Value, ARecordWithoutRoomIsFreedWithItsValue) {
     long       before = Memory_Live ();
     Attribute *record = With_Room (0, "ABCD");
@@ -235,10 +268,10 @@ TEST (Value, ARecordWithoutRoomIsFreedWithItsValue) {
 }
 
 TEST (Value, AFailedRecordIsNotReported) {
-    Log_Recorder log;
-    Attribute    fields = {};
+    Log_Recorder   log;
+    Element_Header header = {};
     Memory_Fail_At (1);
-    EXPECT_EQ (nullptr, Value_Record_New (&fields, 4));
+    EXPECT_EQ (nullptr, Value_Record_New (&header, 4, nullptr));
     EXPECT_EQ (0u, log.lines.size ());
 }
 

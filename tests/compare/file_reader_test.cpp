@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <random>
 
 #include "attribute/NEMA_Tag_Attribute.h"
 #include "attribute/format.h"
@@ -938,6 +939,130 @@ TEST (FileReader, PhasesAreSilentAtLevelOne) {
     reader.Nested (Small_File ().bytes);
     EXPECT_EQ (0, log.Count (LOG_TRACE2));
     EXPECT_FALSE (log.Contains ("Stool"));
+}
+
+// --- at once ---------------------------------------------------------------
+
+// What a reading of the reader's file gives and says, with those kinds of messages silent that tell of the phases, or with
+// the phases one by one.
+static std::string Read_As (Reader *reader, bool silent, std::string *said) {
+    Log_Recorder log;
+    reader->settings.kind_warning = silent ? 0 : LOG_WARNING;
+    reader->settings.kind_note    = silent ? 0 : LOG_REPORT;
+    reader->list                  = File_Read_List (nullptr, &reader->cursor, reader->name.c_str ());
+    std::string fields            = Fields (reader->list);
+    List_Delete (nullptr, &reader->cursor, &reader->list);
+    for (const Log_Line &line : log.lines)
+        if (line.text.find ("reading stopped") != std::string::npos || line.kind == LOG_THREAD) *said += line.text;
+    return fields;
+}
+
+static void Expect_The_Same (Reader *reader, const std::vector<unsigned char> &bytes, const std::string &which) {
+    long        live = Memory_Live ();
+    std::string in_phases, at_once;
+    reader->name = reader->directory.Write ("file.dcm", bytes);
+    ASSERT_EQ (Read_As (reader, false, &in_phases), Read_As (reader, true, &at_once)) << which;
+    EXPECT_EQ (in_phases, at_once) << which;
+    EXPECT_EQ (live, Memory_Live ()) << which;
+}
+
+// Everything that tells where something ends, and values of all shapes.
+static Stream Manifold_File (Stream_Syntax syntax) {
+    Stream stream = Small_File (syntax);
+    for (bool defined : {false, true}) {
+        Stream_Open_Sequence (&stream, 0x0032, 0x1064, defined);
+        Stream_Open_Item (&stream, !defined);
+        Stream_Add_Text (&stream, 0x0008, 0x0100, "SH", "CODE");
+        Stream_Open_Sequence (&stream, 0x0040, 0xA730, !defined);
+        Stream_Open_Item (&stream, defined);
+        Stream_Close_Item (&stream);
+        Stream_Close_Sequence (&stream);
+        Stream_Close_Item (&stream);
+        Stream_Open_Item (&stream, defined);
+        Stream_Add_Text (&stream, 0x0009, 0x0010, "LO", "MAKER");
+        Stream_Add_Text (&stream, 0x0009, 0x1001, "UN", "made");
+        Stream_Close_Item (&stream);
+        Stream_Close_Sequence (&stream);
+    }
+    Stream_Add_Text (&stream, 0x0040, 0x1001, "SH", " X1\\");
+    Stream_Add_Bytes (&stream, 0x7FE0, 0x0010, "OW", "pixels");
+    return stream;
+}
+
+TEST (FileReader, AtOnceIsWhatThePhasesComeToForAFileCutAtEveryByte) {
+    Reader reader;
+    for (Stream_Syntax syntax : {EXPLICIT_LITTLE, IMPLICIT_LITTLE}) {
+        Stream whole = Manifold_File (syntax);
+        for (size_t size = 132; size <= whole.bytes.size (); size++)
+            Expect_The_Same (&reader, {whole.bytes.begin (), whole.bytes.begin () + static_cast<long> (size)},
+                             std::to_string (syntax) + " cut at " + std::to_string (size));
+    }
+}
+
+TEST (FileReader, AtOnceIsWhatThePhasesComeToForEveryChangedByte) {
+    Reader reader;
+    Stream whole = Manifold_File (EXPLICIT_LITTLE);
+    for (size_t place = 132; place < whole.bytes.size (); place++) {
+        for (int byte : {0x00, 0xE0, 0xFF}) {
+            std::vector<unsigned char> bytes = whole.bytes;
+            bytes[place]                     = static_cast<unsigned char> (byte);
+            Expect_The_Same (&reader, bytes, std::to_string (place) + ": " + std::to_string (byte));
+        }
+    }
+}
+
+// Headers of elements, sequences, items and ends in any order, with lengths that fit and that don't.
+static Stream Random_File (std::mt19937 *random) {
+    auto   below  = [random] (uint32_t count) { return static_cast<uint32_t> ((*random) ()) % count; };
+    Stream stream = Stream_Begin_File (below (4) ? EXPLICIT_LITTLE : below (2) ? IMPLICIT_LITTLE : EXPLICIT_BIG);
+    for (uint32_t i = below (40); i > 0; i--) {
+        static const char *const vrs[]  = {"SH", "DS", "UI", "US", "UN", "OB", "UT", "OX", "SQ", "ZZ"};
+        uint16_t                 tag    = static_cast<uint16_t> (0x1140 + below (4));
+        uint16_t                 group  = static_cast<uint16_t> (0x0008 + below (3));
+        uint32_t                 length = below (2) ? 0xFFFFFFFF : 8 * below (12);
+        switch (below (8)) {
+        case 0:
+        case 1: Stream_Add_Header (&stream, group, tag, "SQ", length); break;
+        case 2:
+        case 3: Stream_Add_Header (&stream, 0xFFFE, 0xE000, "", length); break;
+        case 4: Stream_Add_Header (&stream, 0xFFFE, 0xE00D, "", 0); break;
+        case 5: Stream_Add_Header (&stream, 0xFFFE, 0xE0DD, "", 0); break;
+        default:
+            Stream_Add_Bytes (&stream, group, below (9) ? tag : static_cast<uint16_t> (0), vrs[below (10)],
+                              std::string (2 * below (6), below (2) ? '1' : 'x'));
+        }
+    }
+    return stream;
+}
+
+TEST (FileReader, AtOnceIsWhatThePhasesComeToForRandomFiles) {
+    Reader reader;
+    for (uint32_t seed = 0; seed < 1000; seed++) {
+        std::mt19937 random (seed);
+        Expect_The_Same (&reader, Random_File (&random).bytes, "seed " + std::to_string (seed));
+    }
+}
+
+TEST (FileReader, MemoryFailuresAtOnceAreToldAndLeakNothing) {
+    Reader reader;
+    reader.settings.kind_warning = reader.settings.kind_note = 0;
+    reader.name      = reader.directory.Write ("file.dcm", Manifold_File (EXPLICIT_LITTLE).bytes);
+    long        live = Memory_Live ();
+    std::string said;
+    std::string whole = Read_As (&reader, true, &said);
+    for (long n = 1;; n++) {
+        Log_Recorder log;
+        Memory_Fail_At (n);
+        reader.list = File_Read_List (nullptr, &reader.cursor, reader.name.c_str ());
+        bool failed = Memory_Failed ();
+        Memory_Fail_At (0);
+        EXPECT_TRUE (failed || whole == Fields (reader.list));
+        EXPECT_EQ (failed, log.Contains ("memory error in") || log.Contains ("Unable to open file")) << n;
+        List_Delete (nullptr, &reader.cursor, &reader.list);
+        EXPECT_EQ (live, Memory_Live ()) << n;
+        if (!failed) break;
+        ASSERT_GT (10000, n);
+    }
 }
 
 static std::string Description (const Attribute *attribute) {

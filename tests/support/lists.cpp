@@ -55,6 +55,19 @@ std::string Outline (const Attribute *list) {
     return text;
 }
 
+std::string Fields (const Attribute *list) {
+    std::string text;
+    char        line[128];
+    for (; list; list = list->next) {
+        snprintf (line, sizeof line, "%u (%04x,%04x) %x %x %x %x %d %u %u %s ", list->level, list->group, list->element,
+                  list->flags, list->vr_file, list->vr, list->mode, list->length, list->pos_tag, list->pos_data,
+                  list->definition ? "known" : "-");
+        text += line + Value (list) + (list->description ? list->description : "-") + "\n";
+        for (int32_t i = 0; i < list->nb_item; i++) text += "[" + Fields (list->item[i]) + "]";
+    }
+    return text;
+}
+
 std::string Value (const Attribute *attribute) {
     if (!attribute->data) return "(none)";
     return std::string (reinterpret_cast<const char *> (attribute->data),

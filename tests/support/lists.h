@@ -31,4 +31,7 @@ Attribute Record (uint16_t group, uint16_t element, const char *vr = "", const s
 // "(0008,0016) (0040,A730)[(0008,0100)][]": tags, items in brackets.
 std::string Outline (const Attribute *list);
 
+// A line for each record with all that a reading decides, items in brackets.
+std::string Fields (const Attribute *list);
+
 std::string Value (const Attribute *attribute);     // The bytes, or "(none)".

@@ -843,8 +843,7 @@ TEST (Format, OnlyWhatItemsLackIsLeftToBeCompleted) {
         Add_Known (&flat, one.top, 0x0010, "PN", "Doe^John");
         unsigned       left;
         SequenceCursor cursor = {};
-        Attribute     *list =
-            DICOM_Attribute_Format_Lean (nullptr, &warning_settings, &flat.list.first, Syntax_Is_Right, &left);
+        Attribute     *list   = Format_Lean (&flat.list.first, &left);
         EXPECT_EQ (one.left, left) << one.inside << " " << one.element << " " << one.top;
         DICOM_Attribute_Delete (nullptr, &cursor, &list, TAG_ANY, TAG_ANY);
     }

@@ -50,7 +50,7 @@ options=(-timeout=10 -rss_limit_mb=2048 -report_slow_units=1 -print_final_stats=
 # A busy machine makes any input slow, so what was slow is run again, alone, and its processor time counts.
 is_slow () { # target, input
   local TIMEFORMAT=%U spent
-  spent=$({ time "$build/fuzz_$1" "$2" >"$build/slow.log" 2>&1; } 2>&1) || return 0
+  spent=$({ time "$build/fuzz_$1" -timeout=60 "$2" >"$build/slow.$1.log" 2>&1; } 2>&1) || return 0
   [ "${spent%%.*}" -ge 1 ]
 }
 
@@ -62,8 +62,10 @@ fuzz () { # target
   mkdir -p "$findings" "$corpus"
   "$build/fuzz_$target" "${options[@]}" -max_len=$limit -max_total_time="$seconds" -close_fd_mask=1 \
     "-artifact_prefix=$findings/" "$corpus" "$build/seeds/$target" >"$log" 2>&1 || status=$?
-  for slow in "$findings"/slow-unit-*; do
-    [ -e "$slow" ] && ! is_slow "$target" "$slow" && rm "$slow"
+  for slow in "$findings"/slow-unit-* "$findings"/timeout-*; do
+    [ -e "$slow" ] && ! is_slow "$target" "$slow" || continue
+    rm "$slow"
+    [[ "$slow" != */timeout-* ]] || status=0 # What ended the run was none.
   done
   echo "$target: $(sed -n 's/^stat::number_of_executed_units: *//p' "$log") executions," \
     "$(grep -o 'cov: [0-9]*' "$log" | tail -n 1), $(find "$findings" -type f | wc -l) findings"

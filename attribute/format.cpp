@@ -35,7 +35,7 @@ static constexpr VR_Set VR_Set_Make (void) {
 
 static constexpr VR_Set known_explicit_set = VR_Set_Make ();
 
-static int Is_Known_Explicit (uint16_t vr) {
+static inline int Is_Known_Explicit (uint16_t vr) {
     unsigned first = (vr >> 8) - 'A', second = (vr & 0xFF) - 'A';
     return first < 32 && second < 32 && (known_explicit_set.seconds[first] >> second & 1);
 }
@@ -218,7 +218,7 @@ static void Mark_Retired_And_Private (Format_Pass *pass, Attribute *record) {
     if (record->group & 1) record->flags |= PRIVATE;
 }
 
-static void Stop_Sequences_By_Size (Format_Pass *pass, const Attribute *record) {
+static inline void Stop_Sequences_By_Size (Format_Pass *pass, const Attribute *record) {
     SequenceCursor *cursor = &pass->cursor;
     while (Is_Reached (pass->End_Of_Sequence[cursor->depth], record)) {
         pass->End_Of_Sequence[cursor->depth] = -1;
@@ -227,7 +227,7 @@ static void Stop_Sequences_By_Size (Format_Pass *pass, const Attribute *record) 
     }
 }
 
-static void Stop_Item_By_Size (Format_Pass *pass, const Attribute *record) {
+static inline void Stop_Item_By_Size (Format_Pass *pass, const Attribute *record) {
     int32_t depth = pass->cursor.depth;
     if (!Is_Reached (pass->End_Of_Item[depth], record)) return;
     pass->End_Of_Item[depth] = -1;
@@ -251,7 +251,7 @@ static void Follow_Item_Tags (Format_Pass *pass, const Attribute *record) {
 
 // Tags ascend (PS3.5 7.1). One that doesn't is a fault at the top; inside a sequence whose end isn't known it means that
 // the encoder forgot to close the sequence.
-static void Check_Order (Format_Pass *pass, const Attribute *record) {
+static inline void Check_Order (Format_Pass *pass, const Attribute *record) {
     SequenceCursor *cursor = &pass->cursor;
     int32_t         depth  = cursor->depth;
     if ((record->flags & ORIGIN_MASK) != ORIGIN_DICOM || record->group == GROUP_DELIMITER) return;
@@ -353,7 +353,7 @@ static int Is_Structure (const Attribute *record) {
 }
 
 // Makes room for a record where one of structure stood for it so far.
-static void Replace_Structure (Format_Pass *pass, Attribute **place) {
+static inline void Replace_Structure (Format_Pass *pass, Attribute **place) {
     if (!*place || (*place)->next || !Is_Structure (*place)) return;
     DICOM_Attribute_Free (pass->window, *place);
     *place = nullptr;
@@ -383,11 +383,11 @@ static Attribute *Place (Format_Pass *pass, Attribute *record, int *shed) {
 }
 
 // Records of structure are counted instead, since most of them don't stay.
-static int Is_To_Complete (const Attribute *record, int depth) {
+static inline int Is_To_Complete (const Attribute *record, int depth) {
     return depth > 0 && record->group != GROUP_DELIMITER && !DICOM_Attribute_Is_Complete (record);
 }
 
-static void Look_At (Format_Pass *pass, Attribute *record) {
+static inline void Look_At (Format_Pass *pass, Attribute *record) {
     record->right = pass->is_right (record) ? 1 : 0;
     if (!record->right) pass->left |= FORMAT_LEFT_VALUES;
     if (Is_To_Complete (record, record->level)) pass->left |= FORMAT_LEFT_DESCRIPTIONS;
@@ -395,21 +395,23 @@ static void Look_At (Format_Pass *pass, Attribute *record) {
 
 // --- plain records ---------------------------------------------------------
 
+// Asked for every record of a file, as are the rules of ends and order, so they are inline.
+
 // 1 for an attribute that is no sequence, isn't retired, and has a VR that nobody has to choose.
-static int Has_Plain_VR (const Attribute *record) {
+static inline int Has_Plain_VR (const Attribute *record) {
     if (record->group == GROUP_DELIMITER || record->length == LENGTH_UNDEFINED || record->vr == VR_RT) return 0;
     if (record->definition && record->definition->nb_vr <= 0) return 0;
     if (!record->vr_file) return record->vr && record->vr != VR_SQ;
     return record->vr_file != VR_SQ && Is_Known_Explicit (record->vr_file);
 }
 
-static void Note_Mismatch (Format_Pass *pass, const Attribute *record) {
-    if (record->vr_file && record->definition && record->definition->vr[0] != record->vr_file)
+static inline void Note_Mismatch (Format_Pass *pass, const Attribute *record) {
+    if (Log_Is_Read (pass->settings->kind_note) && record->vr_file && record->definition)
         DICOM_Attribute_VR_Match (pass->window, pass->settings, record, record->vr_file);
 }
 
 // The usual record of a lean list: of the rules for all records only those of ends, order and match have to be asked.
-static int Is_Plain (const Format_Pass *pass, const Attribute *record) {
+static inline int Is_Plain (const Format_Pass *pass, const Attribute *record) {
     return pass->is_right && !(record->flags & VR_UNKNOWN) && Has_Plain_VR (record);
 }
 

@@ -20,7 +20,8 @@ static long fail_left;      // When the countdown stands at 1, so many allocatio
 static int  fail_done;
 static long live;
 
-__attribute__ ((noinline)) static int Fails_Counted (void) {
+static int Fails_Now (void) {
+    if (!fail_countdown) return 0;
     if (fail_countdown > 1) {
         fail_countdown--;
         return 0;
@@ -29,8 +30,6 @@ __attribute__ ((noinline)) static int Fails_Counted (void) {
     if (fail_left && !--fail_left) fail_countdown = 0;
     return 1;
 }
-
-static inline int Fails_Now (void) { return __builtin_expect (fail_countdown != 0, 0) && Fails_Counted (); }
 
 void Memory_Report (Window window, const Memory_Site *site, const char *call) {
     Log_Message (window, LOG_ERROR, "line %-4d of %s \nmemory error in %s (var=%s, dim=%dx%d)", site->line,
@@ -54,6 +53,7 @@ void Memory_Report (Window window, const Memory_Site *site, const char *call) {
 
 #ifdef MEMORY_IS_WATCHED
 
+static void *Block_At_Hand (size_t) { return nullptr; }
 static void *Block_New (size_t bytes) { return malloc (bytes ? bytes : 1); }
 static void *Block_New_Zeroed (size_t bytes) { return calloc (1, bytes ? bytes : 1); }
 static void *Block_Resize (void *block, size_t bytes) { return realloc (block, bytes ? bytes : 1); }
@@ -218,7 +218,7 @@ static inline void *Slab_Take (Slab *slab) {
 }
 
 // Where the slab in use is full, or there is none. A full slab is in no ring until a block of it is freed.
-__attribute__ ((noinline)) static void *Small_New_Elsewhere (Link **room) {
+static void *Small_New_Elsewhere (Link **room) {
     if (*room) Room_Remove (room, *room);
     if (!*room) {
         Slab *fresh = Slab_New (room);
@@ -228,10 +228,17 @@ __attribute__ ((noinline)) static void *Small_New_Elsewhere (Link **room) {
     return Slab_Take (reinterpret_cast<Slab *> (*room));
 }
 
-static inline void *Small_New (size_t bytes) {
-    Link **room  = &slab_rooms[(bytes + UNIT - 1) / UNIT];
-    void  *block = *room ? Slab_Take (reinterpret_cast<Slab *> (*room)) : nullptr;
-    return block ? block : Small_New_Elsewhere (room);
+static Link **Room_Of (size_t bytes) { return &slab_rooms[(bytes + UNIT - 1) / UNIT]; }
+
+// A small block where the slab in use has room, or none.
+static inline void *Block_At_Hand (size_t bytes) {
+    Link *slab = bytes <= SMALL ? *Room_Of (bytes) : nullptr;
+    return slab ? Slab_Take (reinterpret_cast<Slab *> (slab)) : nullptr;
+}
+
+static void *Small_New (size_t bytes) {
+    void *block = Block_At_Hand (bytes);
+    return block ? block : Small_New_Elsewhere (Room_Of (bytes));
 }
 
 __attribute__ ((noinline)) static void Slab_Has_Room (Slab *slab) {
@@ -247,7 +254,7 @@ static inline void Small_Free (Slab *slab, Head *head) {
     if (!--slab->live || !slab->link.linked) Slab_Has_Room (slab);
 }
 
-__attribute__ ((noinline)) static void *Large_New (size_t bytes) {
+static void *Large_New (size_t bytes) {
     if (bytes > SIZE_MAX - sizeof (Head)) return nullptr;
     Head *head = static_cast<Head *> (malloc (bytes + sizeof (Head)));
     if (!head) return nullptr;
@@ -255,7 +262,7 @@ __attribute__ ((noinline)) static void *Large_New (size_t bytes) {
     return head + 1;
 }
 
-static inline void *Block_New (size_t bytes) { return bytes <= SMALL ? Small_New (bytes) : Large_New (bytes); }
+static void *Block_New (size_t bytes) { return bytes <= SMALL ? Small_New (bytes) : Large_New (bytes); }
 
 static void *Block_New_Zeroed (size_t bytes) {
     if (bytes <= SMALL) {
@@ -294,10 +301,18 @@ static void *Block_Resize (void *block, size_t bytes) {
 
 // --- the calls -------------------------------------------------------------
 
-void *Memory_Try (size_t bytes) {
+__attribute__ ((noinline)) static void *Try_Elsewhere (size_t bytes) {
     void *block = Fails_Now () ? nullptr : Block_New (bytes);
     if (block) live++;
     else System_Last_Error_Set (System_Memory_Error ());
+    return block;
+}
+
+// Nearly every block is one that is at hand.
+void *Memory_Try (size_t bytes) {
+    void *block = fail_countdown ? nullptr : Block_At_Hand (bytes);
+    if (!block) return Try_Elsewhere (bytes);
+    live++;
     return block;
 }
 

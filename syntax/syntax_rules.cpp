@@ -52,32 +52,37 @@ static constexpr Syntax_Rule rules[] = {
 };
 // clang-format on
 
-static constexpr int RULES   = sizeof rules / sizeof *rules;
-static constexpr int LETTERS = 26;
+static constexpr int RULES = sizeof rules / sizeof *rules;
 
-static constexpr int Letter (unsigned character) {
-    return character >= 'A' && character <= 'Z' ? static_cast<int> (character) - 'A' : -1;
-}
+// Where the rule of a VR stands, if it has one: the VR must still be compared. The factor leaves each rule a place of its
+// own.
+static constexpr unsigned PLACES = 128;
 
-// The rule of each pair of letters, counted from 1.
 struct Rule_Places {
-    uint8_t place[LETTERS * LETTERS];
+    uint8_t of[PLACES];
 };
+
+static constexpr unsigned Place_Of (uint16_t vr) { return (vr * 61u >> 8) % PLACES; }
 
 static constexpr Rule_Places Rule_Places_Make (void) {
     Rule_Places places = {};
-    for (int i = 0; i < RULES; i++)
-        places.place[Letter (rules[i].vr >> 8) * LETTERS + Letter (rules[i].vr & 0xFF)] = static_cast<uint8_t> (i + 1);
+    for (int i = 0; i < RULES; i++) places.of[Place_Of (rules[i].vr)] = static_cast<uint8_t> (i);
     return places;
 }
 
 static constexpr Rule_Places rule_places = Rule_Places_Make ();
 
+static constexpr bool Places_Are_Unique (void) {
+    for (int i = 0; i < RULES; i++)
+        if (rule_places.of[Place_Of (rules[i].vr)] != i) return false;
+    return true;
+}
+
+static_assert (Places_Are_Unique (), "two VRs have one place: take another factor");
+
 const Syntax_Rule *Syntax_Rule_Of (uint16_t vr) {
-    int first = Letter (vr >> 8), second = Letter (vr & 0xFF);
-    if (first < 0 || second < 0) return nullptr;
-    int place = rule_places.place[first * LETTERS + second];
-    return place ? &rules[place - 1] : nullptr;
+    const Syntax_Rule *rule = &rules[rule_places.of[Place_Of (vr)]];
+    return rule->vr == vr ? rule : nullptr;
 }
 
 // --- reports ---------------------------------------------------------------
@@ -122,137 +127,220 @@ void Syntax_Note (const Syntax_Run *run, const Attribute *attribute, const char 
 
 // --- multiplicity ----------------------------------------------------------
 
-int Syntax_Multiplicity (const Syntax_Run *run, const Attribute *attribute, int32_t count) {
-    const Dictionary_Entry *entry = attribute->definition;
-    if (!entry || entry->nb_vr == 0) return 1;
-    int minimum = static_cast<int16_t> (entry->vm[0].minimum);
-    int maximum = static_cast<int16_t> (entry->vm[0].maximum); // Below 1: no upper bound.
-    if (minimum < 0) return 1;
+// What the dictionary says about the number of values; a maximum below 1 is no upper bound.
+struct Bounds {
+    int minimum, maximum;
+};
 
-    if (minimum == maximum) {
-        if (count == minimum) return 1;
+static Bounds Bounds_Of (const Dictionary_Entry *entry) {
+    return {static_cast<int16_t> (entry->vm[0].minimum), static_cast<int16_t> (entry->vm[0].maximum)};
+}
+
+static int Is_Count_Right (const Dictionary_Entry *entry, int32_t count) {
+    if (!entry || entry->nb_vr == 0) return 1;
+    Bounds bounds = Bounds_Of (entry);
+    if (bounds.minimum < 0) return 1;
+    if (bounds.minimum == bounds.maximum) return count == bounds.minimum;
+    return count >= bounds.minimum && (bounds.maximum < 1 || count <= bounds.maximum);
+}
+
+static void Count_Warning (const Syntax_Run *run, const Attribute *attribute, int32_t count) {
+    Bounds bounds = Bounds_Of (attribute->definition);
+    if (bounds.minimum == bounds.maximum)
         Syntax_Warn (run, attribute,
                      "Invalid number of values in data!, Expecting VN=" SYNTAX_NUMBER " but got " SYNTAX_NUMBER
                      " values",
-                     minimum, count);
-        return 0;
-    }
-    if (count < minimum) {
-        if (maximum < 1)
-            Syntax_Warn (run, attribute,
-                         "Not enough values in data! Expecting VN=" SYNTAX_NUMBER "-n but got " SYNTAX_NUMBER " values",
-                         minimum, count);
-        else
-            Syntax_Warn (run, attribute,
-                         "Not enough values in data! Expecting VN=" SYNTAX_NUMBER "-" SYNTAX_NUMBER
-                         " but got " SYNTAX_NUMBER " values",
-                         minimum, maximum, count);
-        return 0;
-    }
-    if (maximum > 0 && count > maximum) {
+                     bounds.minimum, count);
+    else if (count >= bounds.minimum)
         Syntax_Warn (run, attribute,
                      "To many values in data! Expecting VN=" SYNTAX_NUMBER "-" SYNTAX_NUMBER " but got " SYNTAX_NUMBER
                      " values",
-                     minimum, maximum, count);
-        return 0;
-    }
-    return 1;
+                     bounds.minimum, bounds.maximum, count);
+    else if (bounds.maximum < 1)
+        Syntax_Warn (run, attribute,
+                     "Not enough values in data! Expecting VN=" SYNTAX_NUMBER "-n but got " SYNTAX_NUMBER " values",
+                     bounds.minimum, count);
+    else
+        Syntax_Warn (run, attribute,
+                     "Not enough values in data! Expecting VN=" SYNTAX_NUMBER "-" SYNTAX_NUMBER
+                     " but got " SYNTAX_NUMBER " values",
+                     bounds.minimum, bounds.maximum, count);
+}
+
+int Syntax_Multiplicity (const Syntax_Run *run, const Attribute *attribute, int32_t count) {
+    if (Is_Count_Right (attribute->definition, count)) return 1;
+    Count_Warning (run, attribute, count);
+    return 0;
 }
 
 // --- values that are right --------------------------------------------------
 
-// What each byte is allowed in: bit i for the value of rules[i]. NUL, which ends a text, is allowed in none.
-struct Byte_Classes {
+// Every value of a file comes by here, and most are plain: a short text that is one value without a blank, or one number.
+// What is asked of those is prepared as one record, and a byte is looked up once for all questions. The rest is looked at
+// form by form.
+
+// What keeps a byte out of a text: bit i when it isn't allowed in the value of rules[i]. NUL, which ends a text, is allowed
+// in none.
+struct Byte_Faults {
     uint32_t of[256];
 };
 
-static constexpr uint32_t CLASS_NO_BACKSLASH = 0x80000000u; // What is none between values.
+static constexpr uint32_t FAULT_BACKSLASH = 0x80000000u; // It stands between values.
+static constexpr uint32_t FAULT_BLANK     = 0x40000000u; // It is trimmed at the ends of a value.
 
-static_assert (RULES < 32, "a rule is a bit of a byte's class");
+static_assert (RULES <= 30, "a rule is a bit of a byte's faults");
 
-static constexpr Byte_Classes Byte_Classes_Make (void) {
-    Byte_Classes classes = {};
-    for (int i = 0; i < RULES; i++) {
-        uint32_t rule = 1u << i;
-        int      last = rules[i].form == SYNTAX_TITLE ? 0x7E : 0xFF;
-        for (const char *character = rules[i].set; character && *character; character++)
-            classes.of[static_cast<uint8_t> (*character)] |= rule;
-        for (int byte = rules[i].form == SYNTAX_TITLE ? 0x20 : 1; byte <= last && !rules[i].set; byte++)
-            classes.of[byte] |= rule;
-    }
-    for (int byte = 0; byte <= 0xFF; byte++)
-        if (byte != '\\') classes.of[byte] |= CLASS_NO_BACKSLASH;
-    return classes;
+static constexpr bool Is_Allowed (const Syntax_Rule &rule, int byte) {
+    if (rule.form == SYNTAX_TITLE) return byte >= 0x20 && byte <= 0x7E;
+    if (!rule.set) return byte != NUL;
+    for (const char *character = rule.set; *character; character++)
+        if (*character == byte) return true;
+    return false;
 }
 
-static constexpr Byte_Classes byte_classes = Byte_Classes_Make ();
+static constexpr Byte_Faults Byte_Faults_Make (void) {
+    Byte_Faults faults = {};
+    for (int byte = 0; byte <= 0xFF; byte++) {
+        for (int i = 0; i < RULES; i++) faults.of[byte] |= Is_Allowed (rules[i], byte) ? 0 : 1u << i;
+        if (byte == '\\') faults.of[byte] |= FAULT_BACKSLASH;
+        if (byte == ' ' || byte == '\t') faults.of[byte] |= FAULT_BLANK;
+    }
+    return faults;
+}
 
-static int Is_Blank (uint8_t byte) { return byte == ' ' || byte == '\t'; }
+static constexpr Byte_Faults byte_faults = Byte_Faults_Make ();
 
-// The classes that all bytes have in common. This sees every byte of every text, so four go at once.
-static uint32_t Classes_Of_All (const uint8_t *bytes, int32_t count) {
-    const uint32_t *of  = byte_classes.of;
-    uint32_t        all = ~0u;
-    int32_t         i   = 0;
-    for (; i + 4 <= count; i += 4) all &= of[bytes[i]] & of[bytes[i + 1]] & of[bytes[i + 2]] & of[bytes[i + 3]];
-    for (; i < count; i++) all &= of[bytes[i]];
+// What makes a value of the rule at the same place plain.
+struct Glance {
+    uint64_t lengths; // Bit n: it may have n bytes, its pad included.
+    uint32_t faults;  // None of its bytes has one of these; those of a number have none at all.
+    uint16_t vr;
+    uint16_t pad; // The byte that may fill its length up to an even one, or one that there is not.
+};
+
+static constexpr int32_t  GLANCE_LENGTHS = 64; // Bits of lengths.
+static constexpr uint16_t NO_BYTE        = 256;
+
+// The longest value that is surely right.
+static constexpr int32_t Sure_Maximum (const Syntax_Rule &rule) {
+    const int32_t INTEGER_SURE = 8; // Digits of a number that surely fits.
+    return rule.form == SYNTAX_INTEGER ? INTEGER_SURE : rule.maximum;
+}
+
+static constexpr uint64_t Plain_Lengths (const Syntax_Rule &rule) {
+    switch (rule.form) {
+    case SYNTAX_BINARY: return 1ull << rule.unit;
+    case SYNTAX_AGE:
+    case SYNTAX_DATE: return 1ull << rule.maximum;
+    case SYNTAX_SINGLE: // Only its end counts.
+    case SYNTAX_TIME: return 0;
+    default: break;
+    }
+    uint64_t lengths = 0;
+    for (int length = 2; length < GLANCE_LENGTHS && length <= Sure_Maximum (rule); length += 2)
+        lengths |= 1ull << length;
+    return lengths;
+}
+
+struct Glances {
+    Glance of[RULES];
+};
+
+static constexpr Glances Glances_Make (void) {
+    Glances all = {};
+    for (int i = 0; i < RULES; i++) {
+        const Syntax_Rule &rule   = rules[i];
+        uint32_t           faults = rule.form == SYNTAX_BINARY ? 0 : 1u << i | FAULT_BACKSLASH | FAULT_BLANK;
+        uint16_t           pad    = rule.even == NONE ? NO_BYTE : static_cast<uint16_t> (rule.even);
+        all.of[i]                 = {Plain_Lengths (rule), faults, rule.vr, pad};
+    }
     return all;
 }
 
-// The number of values between backslashes, or 0 when one is too long or has blanks around it.
-static int32_t Right_Pieces (const uint8_t *bytes, int32_t length, int32_t max) {
-    int32_t count = 0, start = 0;
-    for (int32_t i = 0; i <= length; i++) {
-        if (i < length && bytes[i] != '\\') continue;
-        if (i - start > max) return 0;
-        if (i > start && (Is_Blank (bytes[start]) || Is_Blank (bytes[i - 1]))) return 0;
-        count++;
-        start = i + 1;
+static constexpr Glances glances = Glances_Make ();
+
+// That of the VR, or when it has no rule that of another one.
+static inline const Glance *Glance_Of (uint16_t vr) { return &glances.of[rule_places.of[Place_Of (vr)]]; }
+
+static inline uint32_t Faults_Of_Four (const uint8_t *bytes) {
+    const uint32_t *of = byte_faults.of;
+    return of[bytes[0]] | of[bytes[1]] | of[bytes[2]] | of[bytes[3]];
+}
+
+// 1 when no byte has one of these faults; there is at least one byte. To look at some of them twice costs less than to look
+// at the last few one by one.
+static inline int Is_Free_Of (uint32_t faults, const uint8_t *bytes, uint32_t count) {
+    const uint32_t *of = byte_faults.of;
+    if (count < 4) return !((of[bytes[0]] | of[bytes[count / 2]] | of[bytes[count - 1]]) & faults);
+    const uint8_t *last = bytes + count - 4;
+    for (; bytes < last; bytes += 4)
+        if (Faults_Of_Four (bytes) & faults) return 0;
+    return !(Faults_Of_Four (last) & faults);
+}
+
+// How many bytes the value has when the one pad that makes its length even isn't counted. One that may have a pad is even
+// here, so there is a byte in front of the pad.
+static inline int32_t Unpadded (const Glance *glance, const Attribute *attribute) {
+    int32_t length = attribute->length;
+    return length - (attribute->data[length - 1] == glance->pad);
+}
+
+static inline int Is_Plain (const Glance *glance, const Attribute *attribute) {
+    int32_t length = attribute->length;
+    if (length < 0 || length >= GLANCE_LENGTHS || !(glance->lengths >> length & 1)) return 0;
+    return Is_Free_Of (glance->faults, attribute->data, static_cast<uint32_t> (Unpadded (glance, attribute)));
+}
+
+// The number of values between backslashes, or 0 when one is too long or has blanks around it or a byte isn't allowed.
+static int32_t Right_Pieces (uint32_t faults, const uint8_t *bytes, int32_t length, int32_t max) {
+    const uint32_t *of     = byte_faults.of;
+    const uint8_t  *end    = bytes + length;
+    uint32_t        inside = faults & ~FAULT_BLANK;
+    if (end[-1] == '\\') return 0;
+    for (int32_t count = 1;; count++) {
+        const uint8_t *start = bytes;
+        while (bytes < end && !(of[*bytes] & inside)) bytes++;
+        if (bytes - start > max) return 0;
+        if (bytes > start && ((of[*start] | of[bytes[-1]]) & FAULT_BLANK)) return 0;
+        if (bytes == end) return count;
+        if (*bytes++ != '\\') return 0;
     }
-    return count;
 }
 
 // A text of values: only bytes that are allowed, no blank too many, and at its end at most the one pad that makes its
 // length even. The pad counts for the longest value here; the few that are just as long are looked at closely.
-static int32_t Right_Text (const Syntax_Rule *rule, const Attribute *attribute, int32_t max) {
-    const uint8_t *bytes  = attribute->data;
-    int32_t        end    = attribute->length;
-    int            padded = rule->even != NONE && end > 0 && bytes[end - 1] == rule->even;
-    if (rule->even != NONE && end % 2) return 0;
-    end -= padded;
-    if (end <= 0 || bytes[end - 1] == '\\') return 0;
-
-    uint32_t all = Classes_Of_All (bytes, end);
-    if (!(all >> (rule - rules) & 1)) return 0;
-    if (!(all & CLASS_NO_BACKSLASH)) return Right_Pieces (bytes, end, max - padded);
-    return end + padded <= max && !Is_Blank (bytes[0]) && !Is_Blank (bytes[end - 1]);
+static int32_t Right_Text (const Glance *glance, const Syntax_Rule *rule, const Attribute *attribute) {
+    int32_t length = attribute->length;
+    if (rule->even != NONE && length % 2) return 0;
+    int32_t unpadded = Unpadded (glance, attribute);
+    return Right_Pieces (glance->faults, attribute->data, unpadded, Sure_Maximum (*rule) - (length - unpadded));
 }
 
 // A text of one value, whose bytes count only at its end.
 static int32_t Right_Single (const Syntax_Rule *rule, const Attribute *attribute) {
     int32_t length = attribute->length;
-    if (length <= 0 || length > rule->maximum) return 0;
-    uint8_t last = attribute->data[length - 1];
-    return last != NUL && last != ' ';
+    uint8_t last   = attribute->data[length - 1];
+    return length <= rule->maximum && last != NUL && last != ' ';
 }
 
 static int32_t Right_Binary (const Syntax_Rule *rule, const Attribute *attribute) {
-    if (attribute->length <= 0 || attribute->length % rule->unit) return 0;
+    if (attribute->length % rule->unit) return 0;
     return rule->counted ? attribute->length / rule->unit : 1;
 }
 
-// How many values there are when they are right, or 0 when that takes a closer look.
-static int32_t Right_Values (const Syntax_Rule *rule, const Attribute *attribute) {
-    static const int32_t INTEGER_SURE = 8; // Digits of a number that surely fits.
+// How many values there are when they are right but not plain, or 0 when that takes a closer look.
+static int32_t Right_Values (const Glance *glance, const Attribute *attribute) {
+    const Syntax_Rule *rule = &rules[glance - glances.of];
+    if (attribute->length <= 0) return 0;
     switch (rule->form) {
     case SYNTAX_MULTIPLE:
-    case SYNTAX_TITLE: return Right_Text (rule, attribute, rule->maximum);
+    case SYNTAX_TITLE:
+    case SYNTAX_INTEGER: return Right_Text (glance, rule, attribute);
+    case SYNTAX_TIME: return Syntax_Time_Is_Old (attribute) ? 0 : Right_Text (glance, rule, attribute);
     case SYNTAX_SINGLE: return Right_Single (rule, attribute);
-    case SYNTAX_AGE:
-    case SYNTAX_DATE: return attribute->length == rule->maximum && Right_Text (rule, attribute, rule->maximum) == 1;
-    case SYNTAX_INTEGER: return Right_Text (rule, attribute, INTEGER_SURE);
-    case SYNTAX_TIME: return Syntax_Time_Is_Old (attribute) ? 0 : Right_Text (rule, attribute, rule->maximum);
     case SYNTAX_BINARY: return Right_Binary (rule, attribute);
+    case SYNTAX_AGE:
+    case SYNTAX_DATE: return 0; // A right one is plain.
     }
     return 0;
 }
@@ -260,20 +348,29 @@ static int32_t Right_Values (const Syntax_Rule *rule, const Attribute *attribute
 int Syntax_Glance (Window window, const Settings *settings, const Attribute *attribute) {
     if (Log_Is_Read (LOG_TRACE5)) return 0; // Every step is told.
     if (!attribute->data) return 1;
-    Syntax_Run run = {window, settings, Syntax_Rule_Of (Attribute_VR (attribute)), 0};
-    if (!run.rule) return attribute->length >= 0;
-    int32_t count = Right_Values (run.rule, attribute);
+    uint16_t      vr     = Attribute_VR (attribute);
+    const Glance *glance = Glance_Of (vr);
+    if (glance->vr != vr) return attribute->length >= 0;
+    int32_t    count = Is_Plain (glance, attribute) ? 1 : Right_Values (glance, attribute);
+    Syntax_Run run   = {window, settings, nullptr, 0};
     if (count > 0) Syntax_Multiplicity (&run, attribute, count);
     return count > 0;
+}
+
+// Apart from its caller, which mostly does without it and without the registers that it takes.
+static __attribute__ ((noinline)) int Is_Right_Closely (const Glance *glance, const Attribute *attribute) {
+    int32_t count = Right_Values (glance, attribute);
+    return count > 0 && Is_Count_Right (attribute->definition, count);
 }
 
 int Syntax_Is_Right (const Attribute *attribute) {
     if (attribute->mode & MODE_BIG_ENDIAN) return 0;
     if (!attribute->data) return 1;
-    Syntax_Run silent = {nullptr, nullptr, Syntax_Rule_Of (Attribute_VR (attribute)), 0};
-    if (!silent.rule) return attribute->length >= 0;
-    int32_t count = Right_Values (silent.rule, attribute);
-    return count > 0 && Syntax_Multiplicity (&silent, attribute, count);
+    uint16_t      vr     = Attribute_VR (attribute);
+    const Glance *glance = Glance_Of (vr);
+    if (glance->vr != vr) return attribute->length >= 0;
+    if (!Is_Plain (glance, attribute)) return Is_Right_Closely (glance, attribute);
+    return Is_Count_Right (attribute->definition, 1);
 }
 
 // --- text ------------------------------------------------------------------

@@ -19,19 +19,25 @@ static const uint16_t CREATOR_FIRST  = 0x0010; // Elements of an odd group that 
 static const uint16_t CREATOR_LAST   = 0x00FF;
 static const uint16_t PRIVATE_FIRST  = 0x1000; // and those that belong to one.
 static const uint16_t ELEMENT_PIXELS = 0x0010; // (7FE0,0010)
+static const uint16_t GROUP_SPECIAL  = 0x1000; // The first group that has rules of its own.
 
 static const int32_t GROUP_LENGTH_SIZE = 4; // Bytes of a group length that is one.
 
 // --- descriptions ----------------------------------------------------------
 
-// As DICOM_Attribute_Set_Description, with a text that is ready.
-static int Describe (Window window, Attribute *attribute, uint16_t vr, const char *text) {
+// As DICOM_Attribute_Set_Description, with a text that is ready; a zero byte follows its length bytes.
+static int Describe_At_Length (Window window, Attribute *attribute, uint16_t vr, const char *text, size_t length) {
     if (vr) attribute->vr = vr;
     Memory_Free (attribute->description);
     attribute->description = nullptr;
-    if (!text[0]) return 1;
-    attribute->description = Memory_Strdup (window, HERE ("tag->description", 0, 0), text);
+    if (!length) return 1;
+    attribute->description = static_cast<char *> (Memory_Text (window, HERE ("tag->description", 0, 0), length + 1));
+    if (attribute->description) memcpy (attribute->description, text, length + 1);
     return attribute->description != nullptr;
+}
+
+static int Describe (Window window, Attribute *attribute, uint16_t vr, const char *text) {
+    return Describe_At_Length (window, attribute, vr, text, strlen (text));
 }
 
 int DICOM_Attribute_Set_Description (Window window, Attribute *attribute, uint16_t vr, const char *format, ...) {
@@ -82,8 +88,10 @@ struct Creators {
     Attribute       *first; // The top list, borrowed; none when it holds no creator.
     Attribute      **slots; // Owned; an empty one is none. At least half of them are.
     uint32_t         mask;  // Number of slots - 1.
-    const Attribute *named; // The one whose name stands in name, or none.
-    char             name[CREATOR_NAME_LENGTH + 1];
+    const Attribute *named; // The one last asked for, or none. Most attributes follow one of the same creator.
+    int              asks;  // 0 when it is known that no table describes its attributes.
+    size_t           length;
+    char             name[CREATOR_NAME_LENGTH + 1]; // Of length bytes and a zero byte.
 };
 
 static int Is_Creator (const Attribute *attribute) {
@@ -101,15 +109,23 @@ static Attribute **Creator_Slot (const Creators *creators, uint16_t group, uint1
 
 // Without memory for the table it goes on with searches, after the calloc message.
 static void Creators_Gather (Window window, Creators *creators, Attribute *first) {
-    size_t count = 0, size = 1;
-    for (Attribute *record = first; record; record = record->next) count += Is_Creator (record);
+    size_t     count = 0, size = 1;
+    Attribute *start = nullptr, *end = nullptr; // The first and the last one, which mostly stand near each other.
+    for (Attribute *record = first; record; record = record->next) {
+        if (!Is_Creator (record)) continue;
+        if (!count++) start = record;
+        end = record;
+    }
     while (size < 2 * count) size *= 2;
 
-    *creators = {count ? first : nullptr, nullptr, static_cast<uint32_t> (size - 1), nullptr, ""};
+    *creators       = {};
+    creators->first = count ? first : nullptr;
+    creators->mask  = static_cast<uint32_t> (size - 1);
     if (!count) return;
     creators->slots = static_cast<Attribute **> (
         Memory_Calloc (window, HERE ("creators->slots", size, 8), size * sizeof (Attribute *)));
-    for (Attribute *record = first; record && creators->slots; record = record->next) {
+    if (!creators->slots) return;
+    for (Attribute *record = start; record != end->next; record = record->next) {
         if (!Is_Creator (record)) continue;
         Attribute **slot = Creator_Slot (creators, record->group, record->element);
         if (!*slot) *slot = record; // The first one with its tag.
@@ -122,14 +138,34 @@ static Attribute *Creator_Find (Window window, const Creators *creators, uint16_
     return DICOM_Attribute_Get_Exact (window, &top, creators->first, group, element);
 }
 
-// The name that a creator's value holds, up to its first zero byte and without blanks around it.
-static void Creator_Name (const Attribute *creator, char *name) {
-    int length = creator->data ? creator->length : 0;
+// Its name is what its value holds, up to the first zero byte and without blanks around it.
+static void Creator_Take (Creators *creators, const Attribute *creator) {
+    char *name   = creators->name;
+    int   length = creator->data ? creator->length : 0;
     if (length > CREATOR_NAME_LENGTH) length = CREATOR_NAME_LENGTH;
     if (length < 0) length = 0;
     if (length) memcpy (name, creator->data, static_cast<size_t> (length));
     name[length] = 0;
     Text_Trim (name);
+    creators->length = strlen (name);
+    creators->named  = creator;
+    creators->asks   = 1;
+}
+
+// 1 when named is the creator of that block, 0 when there is none.
+static int Creator_Turn_To (Window window, Creators *creators, uint16_t group, uint16_t block) {
+    const Attribute *named = creators->named;
+    if (named && named->element == block && named->group == group) return 1;
+    const Attribute *creator = Creator_Find (window, creators, group, block);
+    if (creator) Creator_Take (creators, creator);
+    return creator != nullptr;
+}
+
+// 1 when the table of the named creator describes the attribute. Each time it is asked a trace tells so.
+static int Complement_From_Table (Window window, const Settings *settings, Creators *creators, Attribute *attribute) {
+    int found = DICOM_Module_Read_Private (window, settings, creators->name, attribute);
+    if (found < 0 && !Log_Is_Read (LOG_TRACE5)) creators->asks = 0;
+    return found > 0;
 }
 
 // An attribute that its creator's table doesn't describe is called by the creator's name.
@@ -137,18 +173,16 @@ static void Complement_Private (Window window, const Settings *settings, Creator
     if (Is_Creator (attribute)) {
         Describe (window, attribute, VR_LO, "Private Creator Data Element");
     } else if (attribute->element >= PRIVATE_FIRST) {
-        uint16_t         block   = static_cast<uint16_t> (attribute->element >> 8);
-        const Attribute *creator = Creator_Find (window, creators, attribute->group, block);
-        if (!creator) return;
-        if (creator != creators->named) Creator_Name (creator, creators->name);
-        creators->named = creator;
-        if (DICOM_Module_Read_Private (window, settings, creators->name, attribute) > 0) return;
-        Describe (window, attribute, 0, creators->name);
+        uint16_t block = static_cast<uint16_t> (attribute->element >> 8);
+        if (!Creator_Turn_To (window, creators, attribute->group, block)) return;
+        if (creators->asks && Complement_From_Table (window, settings, creators, attribute)) return;
+        Describe_At_Length (window, attribute, 0, creators->name, creators->length);
     }
 }
 
 int DICOM_Attribute_Complement_Private (Window window, SequenceCursor *cursor, Attribute *first, Attribute *attribute) {
-    Creators creators = {first, nullptr, 0, nullptr, ""};
+    Creators creators = {};
+    creators.first    = first;
     Complement_Private (window, cursor->settings, &creators, attribute);
     return 1;
 }
@@ -221,18 +255,22 @@ int DICOM_Attribute_Is_Complete (const Attribute *attribute) {
     return attribute->definition ? attribute->vr != 0 : Dictionary_Is_Unknown (group, attribute->element);
 }
 
-// A later rule replaces what an earlier one said.
-static void Complement_One (Window window, const Settings *settings, Creators *creators, Attribute *attribute) {
+static void Complement_Special_Group (Window window, Attribute *attribute) {
     uint16_t group      = attribute->group;
     int      is_private = attribute->flags & PRIVATE;
 
-    Look_Up (window, attribute);
-    if (attribute->element == 0 && !attribute->description) Describe_Group_Length (window, attribute);
-    if (group & 1) Complement_Private (window, settings, creators, attribute);
-    if (is_private && group == 0x1000) SPI_Complement_1000 (window, attribute);
+    if (is_private && group == GROUP_SPECIAL) SPI_Complement_1000 (window, attribute);
     if (is_private && group >= 0x7F00 && group <= 0x7FDF) SPI_Complement_7Fxx (window, attribute);
     if (group == GROUP_PIXEL && attribute->element == ELEMENT_PIXELS) Describe (window, attribute, VR_OB, "Pixel Data");
     if (group == GROUP_DELIMITER) Describe_Structure (window, attribute);
+}
+
+// A later rule replaces what an earlier one said.
+static void Complement_One (Window window, const Settings *settings, Creators *creators, Attribute *attribute) {
+    Look_Up (window, attribute);
+    if (attribute->element == 0 && !attribute->description) Describe_Group_Length (window, attribute);
+    if (attribute->group & 1) Complement_Private (window, settings, creators, attribute);
+    if (attribute->group >= GROUP_SPECIAL) Complement_Special_Group (window, attribute);
 }
 
 static void Complement_List (Window window, SequenceCursor *cursor, Creators *creators, Attribute *list);

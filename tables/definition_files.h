@@ -59,7 +59,8 @@ int DICOM_Module_Assemble (Window window, const Settings *settings, const char *
 
 // --- private attributes ----------------------------------------------------
 
-// Completes a private attribute from the table of its creator. 1 when a definition was found and applied.
+// Completes a private attribute from the table of its creator. 1 when a definition was found and applied, else 0, or -1 when
+// there is no table: then it isn't found for any other attribute of this creator either.
 int DICOM_Module_Read_Private (Window window, const Settings *settings, const char *creator, Attribute *attribute);
 
 // Forgets the private tables (the program keeps them until it ends).

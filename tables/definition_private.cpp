@@ -103,7 +103,8 @@ static int Read_Private (Window window, const Settings *settings, const char *cr
     if (!creator || !*creator || !Definition_Directory ()) return 0;
     int32_t entry = List_Cache_Find (&Private, creator);
     if (entry < 0) entry = Private_Read (window, settings, creator);
-    if (entry < 0 || !Private.lists[entry]) return 0;
+    if (entry < 0) return 0;
+    if (!Private.lists[entry]) return -1;
     const Attribute *found = Private_Find (window, Private.lists[entry], attribute);
     return found ? Private_Apply (window, found, attribute) : 0;
 }

@@ -336,13 +336,16 @@ void *Memory_Realloc (Window window, Memory_Site site, void *block, size_t bytes
     return larger;
 }
 
+__attribute__ ((noinline)) static void Report_Text (Window window, const Memory_Site *site) {
+    Log_Message (window, LOG_ERROR, "line %-4d of %s \nmemory error in strdup (var=%s)", site->line, site->module,
+                 site->variable);
+    System_Last_Error_Set (System_Memory_Error ());
+}
+
 void *Memory_Text (Window window, Memory_Site site, size_t bytes) {
     void *block = Memory_Try (bytes);
-    if (block) return block;
-    Log_Message (window, LOG_ERROR, "line %-4d of %s \nmemory error in strdup (var=%s)", site.line, site.module,
-                 site.variable);
-    System_Last_Error_Set (System_Memory_Error ());
-    return nullptr;
+    if (!block) Report_Text (window, &site);
+    return block;
 }
 
 char *Memory_Strdup (Window window, Memory_Site site, const char *text) {

@@ -592,6 +592,48 @@ TEST (NemaTagComplement, AnyOrderGivesTheNamesThatTheSearchGives) {
     }
 }
 
+// What is remembered of the creator before, and of its table, changes nothing: each attribute is as if it were completed alone.
+TEST (NemaTagComplement, CreatorsWithAndWithoutTablesMayAlternate) {
+    static const char *const names[] = {"ACME 1.0", "ACME 2.0", "OTHER", ""};
+    Private_Table            table ("(0009,1001) VR=DS desc=\"Mode\"\n(000B,1000) VR=US\n-(000B,1002) desc=\"Gone\"\n");
+    std::mt19937             random (11);
+    for (int run = 0; run < 200; run++) {
+        Test_List together, alone;
+        for (uint16_t group : std::initializer_list<uint16_t> {0x0009, 0x000B})
+            for (uint16_t block = 0x0010; block < 0x0014; block++) {
+                const char *name = names[random () % 4];
+                if (random () % 4 == 0) continue;
+                together.Add (group, block, "LO", name);
+                alone.Add (group, block, "LO", name);
+            }
+        for (int i = 0; i < 60; i++) {
+            uint16_t group   = static_cast<uint16_t> (random () % 2 ? 0x0009 : 0x000B);
+            uint16_t element = static_cast<uint16_t> ((random () % 4 + 0x10) << 8 | random () % 3);
+            together.Add (group, element);
+            alone.Add (group, element);
+        }
+        Complement (&together);
+        for (Attribute *record = alone.first; record; record = record->next)
+            DICOM_Attribute_Complement_Private (nullptr, &alone.cursor, alone.first, record);
+        Attribute *other = together.first;
+        for (Attribute *record = alone.first; record; record = record->next, other = other->next) {
+            ASSERT_EQ (Description (record), Description (other)) << run;
+            ASSERT_EQ (VR (record), VR (other)) << run;
+            ASSERT_EQ (record->flags, other->flags) << run;
+        }
+    }
+}
+
+TEST (NemaTagComplement, EveryQuestionToATableIsTraced) {
+    Private_Table table ("(0009,1001) desc=\"Mode\"\n");
+    Log_Recorder  log (5);
+    Test_List     list;
+    list.Add (0x0009, 0x0010, "LO", "OTHER");
+    for (uint16_t element = 0x1001; element < 0x1005; element++) list.Add (0x0009, element);
+    Complement (&list);
+    EXPECT_EQ (4, log.Count (LOG_TRACE5, "in DICOM_Module_Read_Private(OTHER)"));
+}
+
 // Four times as many cost about four times as much, also where every attribute has another creator, and none is in order.
 TEST (NemaTagComplement, ManyPrivateAttributesCostLinearTime) {
     auto measure = [] (int count) {

@@ -187,7 +187,7 @@ struct Table_Read {
 static std::string Code_Text (uint16_t code) { return {Code_First (code, '-'), Code_Second (code, '-')}; }
 
 // "flags type VR 'value' description" of one record.
-static std::string Fields (const Attribute *record) {
+static std::string Definition_Fields (const Attribute *record) {
     char flags[8];
     snprintf (flags, sizeof flags, "%04X ", record->flags);
     return flags + Code_Text (record->type) + " " + Code_Text (record->vr) + " '" +
@@ -200,7 +200,7 @@ static std::string Line (const std::string &line, const std::string &detail = ""
     EXPECT_EQ (1, read.result);
     EXPECT_EQ (detail.empty () ? "" : "WARNING: reading Attribute file:T line:1\n\t\t" + detail + "\n", read.warnings)
         << line;
-    return read.list.first ? Fields (read.list.first) : "none";
+    return read.list.first ? Definition_Fields (read.list.first) : "none";
 }
 
 // The flat list with items as "[" and "]", the end of a sequence as "." and each other tag by its element.
@@ -218,7 +218,7 @@ static std::string Structure (const Attribute *list) {
 TEST (DefinitionFile, LineBecomesARecord) {
     Table_Read read ("; head\n\n  (0010,0010) type=2 desc=\"Patient's Name\" \"Doe^John\"  ; comment\n(0011,1234)\n");
     const Attribute *name = read.list.first, *unknown = name->next;
-    EXPECT_EQ ("0004 2  PN 'Doe^John' Patient's Name", Fields (name));
+    EXPECT_EQ ("0004 2  PN 'Doe^John' Patient's Name", Definition_Fields (name));
     EXPECT_EQ (0x0010, name->group);
     EXPECT_EQ (0x0010, name->element);
     EXPECT_EQ (MODE_EXPLICIT, name->mode);
@@ -228,7 +228,7 @@ TEST (DefinitionFile, LineBecomesARecord) {
     EXPECT_EQ (0u, name->pos_data);
     EXPECT_EQ (Dictionary_Lookup (nullptr, 0x0010, 0x0010), name->definition);
 
-    EXPECT_EQ ("0004 3  -- '' -", Fields (unknown));
+    EXPECT_EQ ("0004 3  -- '' -", Definition_Fields (unknown));
     EXPECT_EQ (0, unknown->length);
     EXPECT_EQ (73u, unknown->pos_tag);
     EXPECT_EQ (nullptr, unknown->definition);
@@ -420,7 +420,7 @@ TEST (DefinitionNesting, ExplicitDelimiterLinesAreLinesLikeOthers) {
     EXPECT_EQ (0, sequence_end->length);
     uint32_t position = 12;
     for (const Attribute *one : {item, end, sequence_end}) {
-        EXPECT_EQ ("0004 3  -- '' -", Fields (one));
+        EXPECT_EQ ("0004 3  -- '' -", Definition_Fields (one));
         EXPECT_EQ (MODE_EXPLICIT, one->mode);
         EXPECT_EQ (position, one->pos_tag);
         position += one == item ? 19 : 13;
@@ -451,7 +451,7 @@ TEST (DefinitionInclude, MacroIsInsertedInPlace) {
     Include_Read tables;
     tables.Include ("Code", "(0008,0100) type=1 desc=x \"A\"\n(0008,0102)\n");
     EXPECT_EQ ("0010 0100 0102 0020 ", tables.Read ("(0010,0010)\ninclude Code\n(0010,0020)\n"));
-    EXPECT_EQ ("0004 1  SH 'A ' x", Fields (tables.list.first->next));
+    EXPECT_EQ ("0004 1  SH 'A ' x", Definition_Fields (tables.list.first->next));
     EXPECT_EQ ("", tables.warnings);
 }
 

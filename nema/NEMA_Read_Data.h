@@ -16,8 +16,8 @@ enum { NEMA_FILE = 1, NEMA_MEMORY = 2 };    // Any other kind but 1 is memory, t
 struct NEMA_Source {
     int             kind;
     const char     *name;       // For messages; borrowed. None is "memory" there.
-    File           *file;       // NEMA_FILE: borrowed. None after a failed move has closed it.
-    const uint8_t  *base;       // NEMA_MEMORY: borrowed bytes,
+    File           *file;       // NEMA_FILE: borrowed. None after a failed move has closed it, and in memory.
+    const uint8_t  *base;       // NEMA_MEMORY: borrowed bytes; none in a file,
     uint32_t        size;       // how many there are,
     uint32_t        position;   // and where the next read starts.
     const Settings *settings;   // Borrowed; none means silent.
@@ -55,20 +55,20 @@ int64_t NEMA_Read_Some (NEMA_Source *source, void *destination, size_t count);
 // For readers of many headers: the next count bytes when the source has them at hand, else none. The position stays;
 // NEMA_Advance moves behind those that were used.
 inline const uint8_t *NEMA_View (const NEMA_Source *source, size_t count) {
-    if (source->kind == NEMA_FILE) return source->file ? File_View (source->file, count) : nullptr;
+    if (source->file) return File_View (source->file, count);
     if (!source->base || source->position > source->size || source->size - source->position < count) return nullptr;
     return source->base + source->position;
 }
 inline void NEMA_Advance (NEMA_Source *source, int count) {
-    if (source->kind == NEMA_FILE) source->file->position += count;
+    if (source->file) source->file->position += count;
     else source->position += static_cast<uint32_t> (count);
 }
 
 // --- position --------------------------------------------------------------
 
 inline int64_t NEMA_Tell (const NEMA_Source *source) {              // -1 on failure.
-    if (source->kind != NEMA_FILE) return source->position;
-    return source->file ? File_Tell (source->file) : -1;
+    if (source->file) return File_Tell (source->file);
+    return source->kind == NEMA_FILE ? -1 : static_cast<int64_t> (source->position);
 }
 int     NEMA_Seek (NEMA_Source *source, int64_t position);          // 1 or 0. Reports nothing and closes nothing.
 

@@ -36,9 +36,9 @@ inline int64_t File_Tell (const File *file) {    // The position, or -1 on failu
 
 // The next count bytes when the buffer holds them whole, else none; the position stays.
 inline const uint8_t *File_View (const File *file, size_t count) {
-    int64_t offset = file->position - file->buffer_start;
-    if (File_Watched || offset < 0 || static_cast<uint64_t> (offset) > file->buffer_count) return nullptr;
-    return file->buffer_count - static_cast<size_t> (offset) < count ? nullptr : file->buffer + offset;
+    uint64_t offset = static_cast<uint64_t> (file->position - file->buffer_start); // Large when it stands before it.
+    if (File_Watched || offset > file->buffer_count || file->buffer_count - offset < count) return nullptr;
+    return file->buffer + offset;
 }
 
 inline int File_Take (File *file, void *destination, size_t count) {

@@ -28,7 +28,7 @@ static const int32_t GROUP_LENGTH_SIZE = 4; // Bytes of a group length that is o
 // As DICOM_Attribute_Set_Description, with a text that is ready; a zero byte follows its length bytes.
 static int Describe_At_Length (Window window, Attribute *attribute, uint16_t vr, const char *text, size_t length) {
     if (vr) attribute->vr = vr;
-    Memory_Free (attribute->description);
+    if (attribute->description) Memory_Free (attribute->description);
     attribute->description = nullptr;
     if (!length) return 1;
     attribute->description = static_cast<char *> (Memory_Text (window, HERE ("tag->description", 0, 0), length + 1));
@@ -70,7 +70,7 @@ static const Group_Banner BANNERS[] = {
 };
 // clang-format on
 
-static void Describe_Group_Length (Window window, Attribute *attribute) {
+__attribute__ ((noinline)) static void Describe_Group_Length (Window window, Attribute *attribute) {
     for (const Group_Banner &banner : BANNERS) {
         if (banner.group != attribute->group) continue;
         Describe (window, attribute, VR_UL, banner.text);
@@ -153,7 +153,7 @@ static void Creator_Take (Creators *creators, const Attribute *creator) {
 }
 
 // 1 when named is the creator of that block, 0 when there is none.
-static int Creator_Turn_To (Window window, Creators *creators, uint16_t group, uint16_t block) {
+static inline int Creator_Turn_To (Window window, Creators *creators, uint16_t group, uint16_t block) {
     const Attribute *named = creators->named;
     if (named && named->element == block && named->group == group) return 1;
     const Attribute *creator = Creator_Find (window, creators, group, block);
@@ -162,21 +162,23 @@ static int Creator_Turn_To (Window window, Creators *creators, uint16_t group, u
 }
 
 // 1 when the table of the named creator describes the attribute. Each time it is asked a trace tells so.
-static int Complement_From_Table (Window window, const Settings *settings, Creators *creators, Attribute *attribute) {
+__attribute__ ((noinline)) static int Complement_From_Table (Window window, const Settings *settings,
+                                                             Creators *creators, Attribute *attribute) {
     int found = DICOM_Module_Read_Private (window, settings, creators->name, attribute);
     if (found < 0 && !Log_Is_Read (LOG_TRACE5)) creators->asks = 0;
     return found > 0;
 }
 
 // An attribute that its creator's table doesn't describe is called by the creator's name.
-static void Complement_Private (Window window, const Settings *settings, Creators *creators, Attribute *attribute) {
-    if (Is_Creator (attribute)) {
-        Describe (window, attribute, VR_LO, "Private Creator Data Element");
-    } else if (attribute->element >= PRIVATE_FIRST) {
+static inline void Complement_Private (Window window, const Settings *settings, Creators *creators,
+                                       Attribute *attribute) {
+    if (attribute->element >= PRIVATE_FIRST) {
         uint16_t block = static_cast<uint16_t> (attribute->element >> 8);
         if (!Creator_Turn_To (window, creators, attribute->group, block)) return;
         if (creators->asks && Complement_From_Table (window, settings, creators, attribute)) return;
         Describe_At_Length (window, attribute, 0, creators->name, creators->length);
+    } else if (Is_Creator (attribute)) {
+        Describe (window, attribute, VR_LO, "Private Creator Data Element");
     }
 }
 
@@ -255,7 +257,7 @@ int DICOM_Attribute_Is_Complete (const Attribute *attribute) {
     return attribute->definition ? attribute->vr != 0 : Dictionary_Is_Unknown (group, attribute->element);
 }
 
-static void Complement_Special_Group (Window window, Attribute *attribute) {
+__attribute__ ((noinline)) static void Complement_Special_Group (Window window, Attribute *attribute) {
     uint16_t group      = attribute->group;
     int      is_private = attribute->flags & PRIVATE;
 
@@ -265,48 +267,49 @@ static void Complement_Special_Group (Window window, Attribute *attribute) {
     if (group == GROUP_DELIMITER) Describe_Structure (window, attribute);
 }
 
-// A later rule replaces what an earlier one said.
-static void Complement_One (Window window, const Settings *settings, Creators *creators, Attribute *attribute) {
+// A later rule replaces what an earlier one said. It is part of the walk, which has thousands of private attributes of one
+// creator; what few attributes need stays out of it.
+static inline void Complement_One (Window window, const Settings *settings, Creators *creators, Attribute *attribute) {
     Look_Up (window, attribute);
     if (attribute->element == 0 && !attribute->description) Describe_Group_Length (window, attribute);
     if (attribute->group & 1) Complement_Private (window, settings, creators, attribute);
     if (attribute->group >= GROUP_SPECIAL) Complement_Special_Group (window, attribute);
 }
 
-static void Complement_List (Window window, SequenceCursor *cursor, Creators *creators, Attribute *list);
+static void Complement_List (Window window, SequenceCursor *cursor, Creators *creators, Attribute *list, int items);
 
 static void Complement_Items (Window window, SequenceCursor *cursor, Creators *creators, Attribute *attribute) {
     DICOM_Attribute_Sequence_Start (window, cursor, attribute->group, attribute->element, attribute->flags, LOG_TRACE5);
     for (int32_t i = 0; i < attribute->nb_item && attribute->item[i]; i++) {
         DICOM_Attribute_Item_Start (window, cursor, LOG_TRACE5);
-        Complement_List (window, cursor, creators, attribute->item[i]);
+        Complement_List (window, cursor, creators, attribute->item[i], 1);
         DICOM_Attribute_Item_Stop (window, cursor, LOG_TRACE5);
     }
     DICOM_Attribute_Sequence_Stop (window, cursor, LOG_TRACE5);
 }
 
-static void Complement_List (Window window, SequenceCursor *cursor, Creators *creators, Attribute *list) {
+// items is 0 when the list's items are left alone.
+static void Complement_List (Window window, SequenceCursor *cursor, Creators *creators, Attribute *list, int items) {
     Log_Message (window, LOG_TRACE4, "in DICOM_Attribute_Complement()");
     for (Attribute *record = list; record; record = record->next) {
         Log_Message (window, LOG_TRACE5, "DICOM_Attribute_Complement (%04x,%04x)", record->group, record->element);
         Complement_One (window, cursor->settings, creators, record);
-        if (record->item) Complement_Items (window, cursor, creators, record);
+        if (items && record->item) Complement_Items (window, cursor, creators, record);
     }
 }
 
-int DICOM_Attribute_Complement (Window window, SequenceCursor *cursor, Attribute *first) {
+static int Complement (Window window, SequenceCursor *cursor, Attribute *first, int items) {
     Creators creators;
     Creators_Gather (window, &creators, first);
-    Complement_List (window, cursor, &creators, first);
+    Complement_List (window, cursor, &creators, first, items);
     Memory_Free (creators.slots);
     return 0;
 }
 
+int DICOM_Attribute_Complement (Window window, SequenceCursor *cursor, Attribute *first) {
+    return Complement (window, cursor, first, 1);
+}
+
 int DICOM_Attribute_Complement_Top (Window window, SequenceCursor *cursor, Attribute *first) {
-    Creators creators;
-    Creators_Gather (window, &creators, first);
-    for (Attribute *record = first; record; record = record->next)
-        Complement_One (window, cursor->settings, &creators, record);
-    Memory_Free (creators.slots);
-    return 0;
+    return Complement (window, cursor, first, 0);
 }

@@ -13,7 +13,7 @@ static const int    CREATOR_NAME_LENGTH   = 64;     // Bytes of a private creato
 // 0: a description that there is no memory for is reported and left out.
 int DICOM_Attribute_Complement (Window window, SequenceCursor *cursor, Attribute *first);
 
-// The same for a list in whose items there is nothing to complete: they are left alone, and not traced.
+// The same for a list in whose items there is nothing to complete: they are left alone.
 int DICOM_Attribute_Complement_Top (Window window, SequenceCursor *cursor, Attribute *first);
 
 // 1 when the pass is known to leave the attribute as it is; its items aren't asked about.

@@ -450,7 +450,7 @@ __attribute__ ((noinline)) static void Branches_Free (Window window, Attribute *
 
 static inline void Record_Free (Window window, Attribute *record) {
     Log_Message (window, LOG_TRACE5, "in DICOM_Attribute_Free(%04x,%04x)", record->group, record->element);
-    if (record->item || record->index) Branches_Free (window, record);
+    if (record->nb_item || record->index) Branches_Free (window, record);
     Memory_Free (record->description);
     Value_Record_Free (record);
 }

@@ -92,24 +92,25 @@ struct Attribute {
     uint8_t     unordered : 1;  // First record of a list only: 1 when some record is smaller than the one before it.
     uint8_t     right : 1;      // The value is. For DICOM_Attribute_Check_And_Clean only.
     uint8_t     room;           // Bytes behind the record for its first value, 0 for none; of attribute/value.h.
+    int32_t     length;         // Of the value in bytes; LENGTH_UNDEFINED possible.
+    int32_t     nb_item;        // Slots in item.
+    uint8_t    *data;           // Value bytes without terminator, or none. They live in block; unshare before writing.
+    Value_Block *block;         // What data points into: one reference of it is owned. None when data is none.
+    Attribute  *next;
+    char       *description;    // Owned, or none.
+    List_Index *index;          // First record of a list only: owned, of attribute/list_index.h, or none.
+
+    // Comparing and releasing a list, which no longer is in the processor's caches, touch nothing from here on.
+    Attribute **item;           // Owned array of lists, one an item; a slot may be none. None without slots.
+    const Dictionary_Entry *definition;     // Borrowed for the life of the process, or none.
+    Attribute  *last;           // First record of a list only: where the next one is linked,
+    Attribute  *seek;           // where the last search of the list ended, a hint,
+    int32_t     walked;         // and steps of searches that count towards an index.
     int32_t     vm;             // Values found by the last decoding call.
     int32_t     diff_a;         // Compared quantities; merged list only.
     int32_t     diff_b;
     uint32_t    pos_tag;        // Byte positions in the file.
     uint32_t    pos_data;
-    int32_t     length;         // Of the value in bytes; LENGTH_UNDEFINED possible.
-    uint8_t    *data;           // Value bytes without terminator, or none. They live in block; unshare before writing.
-    char       *description;    // Owned, or none.
-    const Dictionary_Entry *definition;     // Borrowed for the life of the process, or none.
-    int32_t     nb_item;        // Slots in item.
-    int32_t     walked;         // First record of a list only: steps of searches that count towards an index.
-    Attribute **item;           // Owned array of lists, one an item; a slot may be none.
-    Attribute  *next;
-    Attribute  *last;           // First record of a list only: where the next one is linked.
-
-    Value_Block *block;         // What data points into: one reference of it is owned. None when data is none.
-    Attribute   *seek;          // First record of a list only: where the last search of the list ended, a hint.
-    List_Index  *index;         // First record of a list only: owned, of attribute/list_index.h, or none.
 };
 
 // What a reader knows of an element of a stream before it makes its record; the fields are those of the record.

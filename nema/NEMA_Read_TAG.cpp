@@ -360,10 +360,12 @@ static inline int Plain_Fields (Plain *plain, uint8_t mode, const uint8_t *bytes
     return Short_At (bytes + 6) ? 0 : PLAIN_SIZE;
 }
 
-// 1 when no repair, check or look at the value has anything to do with it. Of the tags that a repair is looking for only
-// the group is asked: such groups are rare.
+// Odd, all of them: of the tags that a repair is looking for only the group is asked.
+static int Is_Repaired_Group (uint16_t group) { return group == GROUP_SIEMENS || group == 0x3F3F || group == 0xFEFF; }
+
+// 1 when no repair, check or look at the value has anything to do with it.
 static inline int Is_Plain (const Plain *plain, int64_t limit) {
-    if (plain->group == GROUP_SIEMENS || plain->group == 0x3F3F || plain->group == 0xFEFF) return 0;
+    if ((plain->group & 1) && Is_Repaired_Group (plain->group)) return 0;
     if (plain->length == LENGTH_UNDEFINED) return plain->group != GROUP_PIXEL;
     if (plain->length & (INT32_MIN | 1)) return 0;
     return limit <= 0 || plain->length < limit;

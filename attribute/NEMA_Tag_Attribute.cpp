@@ -313,14 +313,11 @@ Attribute *DICOM_Attribute_Insert (Window window, SequenceCursor *cursor, Attrib
     return insert ? Insert_Filled (window, cursor, place, insert, source) : nullptr;
 }
 
-Attribute *Attribute_New (Window window, const Element_Header *header, int32_t room, const uint8_t *bytes) {
+void Attribute_New_Failed (Window window, const Element_Header *header) {
     static const Memory_Site site = HERE ("insert", 1, RECORD_SIZE_STATED);
 
-    Attribute *record = Value_Record_New (header, room, bytes);
-    if (record) return record;
     Trace_Insert (window, header->group, header->element, header->vr_file, header->length);
     Memory_Report (window, &site, "calloc");
-    return nullptr;
 }
 
 Attribute **Insert_Path_Make (Window window, SequenceCursor *cursor, Insert_Path *path, const Attribute *record) {

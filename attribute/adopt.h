@@ -5,11 +5,17 @@
 #include "attribute/NEMA_Tag_Copy.h"
 #include "attribute/list_index.h"
 #include "attribute/sequence_cursor.h"
+#include "attribute/value.h"
 #include "util/my_error_fct.h"
 
 // The record of an element that is in no list, with room for a value of so many bytes (Value_New_In_Room), and with a copy
 // of these bytes as its value unless bytes is none. None after the memory message.
-Attribute *Attribute_New (Window window, const Element_Header *header, int32_t room, const uint8_t *bytes);
+void Attribute_New_Failed (Window window, const Element_Header *header);
+inline Attribute *Attribute_New (Window window, const Element_Header *header, int32_t room, const uint8_t *bytes) {
+    Attribute *record = Value_Record_New (header, room, bytes);
+    if (!record) Attribute_New_Failed (window, header);
+    return record;
+}
 
 // --- the end of a list -----------------------------------------------------
 

@@ -1,36 +1,15 @@
-// The one source that knows what a value block is. A block of memory carries its bytes right behind its head, so that a
-// value costs one allocation; a block of a mapping only names the view. A block in the room behind a record counts the
-// record as one more that shares it.
+// A block of memory carries its bytes right behind its head, so that a value costs one allocation; a block of a mapping
+// only names the view. A block in the room behind a record counts the record as one more that shares it.
 #include "attribute/value.h"
 
 #include <string.h>
 
 static const char *const MODULE = "value";
 
-enum Block_Kind : int32_t {
-    BLOCK_MEMORY,
-    BLOCK_MAPPED, // The head of a Mapped_Block.
-    BLOCK_ROOM,   // Behind a record,
-    BLOCK_ORPHAN  // and behind what was one.
-};
-
-struct Value_Block {
-    int32_t    count; // Attributes that share the block.
-    Block_Kind kind;
-};
-
 struct Mapped_Block {
     Value_Block    head;
     System_Mapping mapping;
 };
-
-static uint8_t *Block_Bytes (Value_Block *block) { return reinterpret_cast<uint8_t *> (block + 1); }
-
-static size_t Block_Size (int32_t length) {
-    return sizeof (Value_Block) + static_cast<size_t> (length > 0 ? length : 0);
-}
-
-static Value_Block *Room_Block (Attribute *record) { return reinterpret_cast<Value_Block *> (record + 1); }
 
 static Attribute *Room_Record (Value_Block *block) { return reinterpret_cast<Attribute *> (block) - 1; }
 
@@ -47,51 +26,18 @@ static int Take (Attribute *attribute, void *memory) {
     block->kind        = BLOCK_MEMORY;
     Value_Release (attribute);
     attribute->block = block;
-    attribute->data  = Block_Bytes (block);
+    attribute->data  = Value_Block_Bytes (block);
     return 1;
 }
 
 int Value_New (Window window, Memory_Site site, Attribute *attribute, int32_t length) {
-    return Take (attribute, Memory_Malloc (window, site, Block_Size (length)));
+    return Take (attribute, Memory_Malloc (window, site, Value_Block_Size (length)));
 }
 
 // --- room behind a record --------------------------------------------------
 
-// The fields are stored one by one: a copy of the header would wait until its parts have reached the memory.
-static void Header_Set (Attribute *record, const Element_Header *header) {
-    *record            = {};
-    record->mode       = header->mode;
-    record->flags      = header->flags;
-    record->group      = header->group;
-    record->element    = header->element;
-    record->vr_file    = header->vr_file;
-    record->vr         = header->vr;
-    record->pos_tag    = header->pos_tag;
-    record->pos_data   = header->pos_data;
-    record->length     = header->length;
-    record->definition = header->definition;
-}
-
-Attribute *Value_Record_New (const Element_Header *header, int32_t room, const uint8_t *bytes) {
-    size_t     behind = room > 0 ? Block_Size (room) : 0;
-    Attribute *record = static_cast<Attribute *> (Memory_Try (sizeof (Attribute) + behind));
-    if (!record) return nullptr;
-    Header_Set (record, header);
-    if (!room) return record;
-
-    Value_Block *block = Room_Block (record);
-    record->room       = static_cast<uint8_t> (room);
-    *block             = {bytes ? 2 : 1, BLOCK_ROOM};
-    if (!bytes) return record;
-    record->block = block;
-    record->data  = Block_Bytes (block);
-    memcpy (record->data, bytes, static_cast<size_t> (room));
-    return record;
-}
-
-// No other block begins right behind a record, be there room or not, so a value in its room is known by its place.
 void Value_Record_Free (Attribute *record) {
-    Value_Block *room = Room_Block (record);
+    Value_Block *room = Value_Room (record);
     if (record->block == room) room->count--;
     else Value_Release (record);
     if (record->room && --room->count) room->kind = BLOCK_ORPHAN;
@@ -99,10 +45,10 @@ void Value_Record_Free (Attribute *record) {
 }
 
 int Value_New_In_Room (Attribute *record, int32_t length) {
-    if (!record->room || length > record->room || Room_Block (record)->count > 1) return 0;
+    if (!record->room || length > record->room || Value_Room (record)->count > 1) return 0;
     if (record->block) Value_Release (record);
-    record->block = Room_Block (record);
-    record->data  = Block_Bytes (record->block);
+    record->block = Value_Room (record);
+    record->data  = Value_Block_Bytes (record->block);
     record->block->count++;
     return 1;
 }
@@ -164,10 +110,10 @@ int Value_Unshare (Window window, Memory_Site site, Attribute *attribute) {
 
 int Value_Resize (Window window, Memory_Site site, Attribute *attribute, int32_t new_length) {
     if (Is_Own (attribute) && attribute->block->kind == BLOCK_MEMORY) {
-        void *memory = Memory_Realloc (window, site, attribute->block, Block_Size (new_length));
+        void *memory = Memory_Realloc (window, site, attribute->block, Value_Block_Size (new_length));
         if (!memory) return 0;
         attribute->block = static_cast<Value_Block *> (memory);
-        attribute->data  = Block_Bytes (attribute->block);
+        attribute->data  = Value_Block_Bytes (attribute->block);
         return 1;
     }
 
@@ -176,7 +122,7 @@ int Value_Resize (Window window, Memory_Site site, Attribute *attribute, int32_t
     // Held until the bytes are copied: taking the new block releases the old one.
     Attribute old = {};
     Value_Share (&old, attribute);
-    int taken = Take (attribute, Memory_Realloc (window, site, nullptr, Block_Size (new_length)));
+    int taken = Take (attribute, Memory_Realloc (window, site, nullptr, Value_Block_Size (new_length)));
     if (taken && old.data) {
         int32_t kept = attribute->length < new_length ? attribute->length : new_length;
         memcpy (attribute->data, old.data, static_cast<size_t> (kept > 0 ? kept : 0));

@@ -213,15 +213,14 @@ static void Apply_Syntax (Reading *reading, Attribute *attribute) {
 // Makes the record of the element whose header was read, with its value. None on failure. A value that stands in the
 // source's buffer, as nearly all short ones do, is taken from there at once.
 static Attribute *Record (Reading *reading, const Element_Header *header) {
-    Window       window = reading->window;
-    NEMA_Source *source = &reading->source;
-    if (!Has_Value (reading, header)) return Attribute_New (window, header, 0, nullptr);
-
-    int32_t        room = header->length <= VALUE_ROOM_MOST ? header->length : 0;
+    Window         window = reading->window;
+    NEMA_Source   *source = &reading->source;
+    bool           has    = Has_Value (reading, header);
+    int32_t        room   = has && header->length <= VALUE_ROOM_MOST ? header->length : 0;
     const uint8_t *bytes =
         room && !(header->mode & MODE_SWAB) ? NEMA_View (source, static_cast<size_t> (room)) : nullptr;
     Attribute *record = Attribute_New (window, header, room, bytes);
-    if (!record) return nullptr;
+    if (!record || !has) return record;
     if (bytes) {
         NEMA_Advance (source, room);
         return record;

@@ -83,9 +83,12 @@ __attribute__ ((noinline)) static void Describe_Group_Length (Window window, Att
 
 // --- private creators ------------------------------------------------------
 
-// The creators of a list in a table with open addressing. Without a table (slots none) the list is searched.
+// The creators of a list in a table with open addressing. Without a table (slots none) the list is searched. A walk over
+// an ordered list alone needs neither: it meets the creators of a group, one behind the other, before what belongs to them.
 struct Creators {
     Attribute       *first; // The top list, borrowed; none when it holds no creator.
+    Attribute       *met;   // Where a walk that needs no table goes on with looking for creators, or none.
+    int              meets; // 1 in such a walk.
     Attribute      **slots; // Owned; an empty one is none. At least half of them are.
     uint32_t         mask;  // Number of slots - 1.
     const Attribute *named; // The one last asked for, or none. Most attributes follow one of the same creator.
@@ -132,7 +135,20 @@ static void Creators_Gather (Window window, Creators *creators, Attribute *first
     }
 }
 
-static Attribute *Creator_Find (Window window, const Creators *creators, uint16_t group, uint16_t element) {
+static void Creator_Meet (Creators *creators, Attribute *creator) {
+    if (!creators->met || creators->met->group != creator->group) creators->met = creator;
+}
+
+// The walk asks for ascending ones, so it never goes back; nor beyond the attribute at hand, whose element is greater.
+static Attribute *Creator_Among_Met (Creators *creators, uint16_t group, uint16_t element) {
+    Attribute *record = creators->met;
+    while (record && record->element < element) record = record->next;
+    creators->met = record;
+    return record && record->group == group && record->element == element ? record : nullptr;
+}
+
+static Attribute *Creator_Find (Window window, Creators *creators, uint16_t group, uint16_t element) {
+    if (creators->meets) return Creator_Among_Met (creators, group, element);
     if (creators->slots) return *Creator_Slot (creators, group, element);
     SequenceCursor top = {}; // Of its own: from where the walk stands, looking would create sequences.
     return DICOM_Attribute_Get_Exact (window, &top, creators->first, group, element);
@@ -178,6 +194,7 @@ static inline void Complement_Private (Window window, const Settings *settings, 
         if (creators->asks && Complement_From_Table (window, settings, creators, attribute)) return;
         Describe_At_Length (window, attribute, 0, creators->name, creators->length);
     } else if (Is_Creator (attribute)) {
+        Creator_Meet (creators, attribute);
         Describe (window, attribute, VR_LO, "Private Creator Data Element");
     }
 }
@@ -299,8 +316,9 @@ static void Complement_List (Window window, SequenceCursor *cursor, Creators *cr
 }
 
 static int Complement (Window window, SequenceCursor *cursor, Attribute *first, int items) {
-    Creators creators;
-    Creators_Gather (window, &creators, first);
+    Creators creators = {};
+    creators.meets    = !items && first && !first->unordered;
+    if (!creators.meets) Creators_Gather (window, &creators, first);
     Complement_List (window, cursor, &creators, first, items);
     Memory_Free (creators.slots);
     return 0;

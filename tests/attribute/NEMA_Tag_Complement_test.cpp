@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "attribute/NEMA_Tag_Attribute.h"
 #include "tables/data_dictionary.h"
@@ -655,6 +658,22 @@ TEST (NemaTagComplement, ManyPrivateAttributesCostLinearTime) {
     EXPECT_LT (many, 4 * 3 * few + 0.25);
 }
 
+// In an ordered list each creator is passed once in search of those that aren't there, however often it comes.
+TEST (NemaTagComplement, ManyOrphansCostLinearTime) {
+    auto measure = [] (int count) {
+        Test_List list;
+        for (int i = 0; i < count; i++) list.Add (0x0009, 0x0010, "LO", "ACME");
+        for (int i = 0; i < count; i++) list.Add (0x0009, static_cast<uint16_t> (0x1100 + i));
+        list.Reset ();
+        auto start = std::chrono::steady_clock::now ();
+        DICOM_Attribute_Complement_Top (nullptr, &list.cursor, list.first);
+        return std::chrono::duration<double> (std::chrono::steady_clock::now () - start).count ();
+    };
+    measure (1000);
+    double few = measure (14000), many = measure (56000);
+    EXPECT_LT (many, 4 * 3 * few + 0.25);
+}
+
 // --- complete records ------------------------------------------------------
 
 static std::string State (const Attribute *record) {
@@ -687,6 +706,30 @@ TEST (NemaTagComplement, CompleteRecordsAreLeftAsTheyAre) {
             }
     EXPECT_EQ (7 * 7 * 2, complete); // Groups, elements, with and without description.
     EXPECT_EQ ((7 * 7 - 4) * 3, unknown) << "without private mark and description it is looked up at first";
+}
+
+// Ordered or not, with creators that come twice or not at all: the top list alone is completed as the whole one.
+TEST (NemaTagComplement, TopListAloneFindsTheSameCreators) {
+    std::mt19937 random (13);
+    int          ordered = 0;
+    for (int run = 0; run < 400; run++) {
+        std::vector<std::pair<uint16_t, uint16_t>> tags;
+        for (int i = 0; i < 40; i++) {
+            uint16_t block = static_cast<uint16_t> (random () % 4 ? random () % 3 + 0x10 : random () % 2 ? 0xFF : 0x0F);
+            tags.push_back ({static_cast<uint16_t> (random () % 5 + 9),
+                             static_cast<uint16_t> (random () % 2 ? block : block << 8 | random () % 3)});
+        }
+        if (run % 2) std::sort (tags.begin (), tags.end ());
+        Test_List whole, top;
+        for (size_t i = 0; i < tags.size (); i++)
+            for (Test_List *list : {&whole, &top}) list->Add (tags[i].first, tags[i].second, "LO", std::to_string (i));
+        ordered += !top.first->unordered;
+        Complement (&whole);
+        top.Reset ();
+        DICOM_Attribute_Complement_Top (nullptr, &top.cursor, top.first);
+        ASSERT_EQ (All_Descriptions (whole.first), All_Descriptions (top.first)) << run;
+    }
+    EXPECT_EQ (200, ordered);
 }
 
 TEST (NemaTagComplement, TopListAloneLeavesItemsAsTheyAre) {

@@ -20,7 +20,7 @@ target_compile_options (tagwright_program_options INTERFACE -fno-exceptions -fno
 # slower than plain stores.
 if (CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
     target_compile_options (tagwright_program_options INTERFACE
-        -mmemset-strategy=unrolled_loop:256:noalign,libcall:-1:noalign)
+        -mmemset-strategy=vector_loop:256:noalign,libcall:-1:noalign)
 endif ()
 
 if (TAGWRIGHT_SANITIZE)

@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
 # Tests the portable package for Linux in a folder: folder-test.sh FOLDER. It is unpacked, used from elsewhere and moved.
 . "$(dirname "${BASH_SOURCE[0]}")/support.sh"
-trap 'rm -rf "$stage"' EXIT
 
 archives=("$1"/tagwright-*-linux-x86_64.tar.gz)
 [ ${#archives[@]} -eq 1 ] && [ -f "${archives[0]}" ] || { echo "no portable folder, or several, in $1"; exit 1; }

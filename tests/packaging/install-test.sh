@@ -2,7 +2,6 @@
 # Tests what can be tested of the packages in seconds: install-test.sh BUILD-FOLDER. Both layouts are installed from the
 # built tree and used, and the texts that the packages bring are checked. scripts/release.sh tests the packages themselves.
 . "$(dirname "${BASH_SOURCE[0]}")/support.sh"
-trap 'rm -rf "$stage"' EXIT
 build=$1
 
 # --- both layouts ---

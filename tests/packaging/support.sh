@@ -1,19 +1,6 @@
-# What the tests of packages have in common; they source it. root is the folder of the sources, stage one that goes away.
-set -eu -o pipefail
-
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-stage=$(mktemp -d)
-failures=0
-
-fail () {
-  echo "FAILED: $*"
-  failures=$((failures + 1))
-}
-
-finish () { # name
-  [ $failures -eq 0 ] || exit 1
-  echo "$1 does as it should"
-}
+# What the tests of packages have in common; they source it.
+. "$(dirname "${BASH_SOURCE[0]}")/../support/script.sh"
+set -o pipefail
 
 # Two examples that differ in 12 places, compared from another folder by a user who has nothing yet. The tables that the
 # program copies for the user are those of the folder named, which the trace says.

@@ -11,9 +11,7 @@ tidy () {
   set +e
   /usr/lib/wine/wineserver -k # Of this WINEPREFIX only.
   /usr/lib/wine/wineserver -w
-  rm -rf "$stage"
 }
-trap tidy EXIT
 
 setup=("$1"/Tagwright-*-setup.exe)
 zip=("$1"/Tagwright-*-windows.zip)

@@ -1,19 +1,11 @@
 #!/usr/bin/env bash
 # Plants violations in a copy of the sources and expects scripts/check-seam.sh to name each of them, and nothing else.
-set -eu
+. "$(dirname "${BASH_SOURCE[0]}")/../support/script.sh"
 
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-copy=$(mktemp -d)/"copy with blanks"
-trap 'rm -rf "$(dirname "$copy")"' EXIT
+copy="$stage/copy with blanks"
 mkdir -p "$copy/scripts" "$copy/util" "$copy/compare" "$copy/app" "$copy/tables" "$copy/tests/util" "$copy/tests/platform" \
   "$copy/platform/win32" "$copy/build" "$copy/docs"
 cp "$root/scripts/check-seam.sh" "$copy/scripts/"
-failures=0
-
-fail () {
-  echo "FAILED: $*"
-  failures=$((failures + 1))
-}
 
 # Expects the check to pass while the file holds the text.
 allows () { # file text
@@ -85,5 +77,4 @@ refuses util/planted.h '// see ../share''d/'
 allows util/planted.cpp 'static const char *name = "Specificatio''n Sequence";'
 allows docs/planted.md 'A Part 10 file, as PS3.5 7.1.2 has it'
 
-[ $failures -eq 0 ] || exit 1
-echo "all planted violations were found"
+finish check-seam.sh

@@ -1,17 +1,7 @@
 #!/usr/bin/env bash
 # Runs scripts/coverage.sh in a made-up source tree, with stand-ins for the tools that build, run and count.
-set -eu
-
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-stage=$(mktemp -d)
-trap 'rm -rf "$stage"' EXIT
+. "$(dirname "${BASH_SOURCE[0]}")/../support/script.sh"
 export STAGE=$stage
-failures=0
-
-fail () {
-  echo "FAILED: $*"
-  failures=$((failures + 1))
-}
 
 stand_in () { # path; the script comes from standard input
   { echo '#!/bin/bash'; cat; } >"$stage/$1"
@@ -151,5 +141,4 @@ for words in "--corpus" "--corpus $stage/nowhere" "--corpora" "1"; do
   [ $status -eq 2 ] || fail "($words): status $status"
 done
 
-[ $failures -eq 0 ] || exit 1
-echo "coverage is told as it should be"
+finish coverage.sh

@@ -1,18 +1,11 @@
 #!/usr/bin/env bash
 # Shows a window on the X display given by DISPLAY, does to it what a user does, and looks at the events it tells and at the
 # pixels on the screen: display-test.sh FOLDER, where the built sdl_child and x11_client are. There need be no window manager.
-set -eu
+. "$(dirname "${BASH_SOURCE[0]}")/../support/script.sh"
 
 folder=$1
-stage=$(mktemp -d)
 child=
-trap '[ -z "$child" ] || kill "$child" 2>/dev/null || true; rm -rf "$stage"' EXIT
-failures=0
-
-fail () {
-  echo "FAILED: $*"
-  failures=$((failures + 1))
-}
+tidy () { [ -z "$child" ] || kill "$child" 2>/dev/null || true; }
 
 # --- the child ---
 
@@ -283,5 +276,4 @@ type_key q
 expect "loop 7"
 ended
 
-[ $failures -eq 0 ] || exit 1
-echo "the window does as it should"
+finish "the window"

@@ -1,16 +1,6 @@
 #!/usr/bin/env bash
 # Holds what scripts/fuzz.sh refuses, and that every target has seeds.
-set -eu
-
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-stage=$(mktemp -d)
-trap 'rm -rf "$stage"' EXIT
-failures=0
-
-fail () {
-  echo "FAILED: $*"
-  failures=$((failures + 1))
-}
+. "$(dirname "${BASH_SOURCE[0]}")/../support/script.sh"
 
 refuses () { # arguments...
   local status=0 output
@@ -36,5 +26,4 @@ done
 # Each entry of the dictionary is a comment, nothing, or a quoted text whose escapes libFuzzer knows.
 grep -vnE '^(#.*|"([^"\\]|\\\\|\\"|\\x[0-9A-F]{2})+")?$' "$root/fuzz/dicom.dict" && fail "bad lines in dicom.dict"
 
-[ $failures -eq 0 ] || exit 1
-echo "the fuzzer refuses and starts as it should"
+finish fuzz.sh

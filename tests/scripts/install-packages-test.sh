@@ -1,17 +1,7 @@
 #!/usr/bin/env bash
 # Runs scripts/install-packages.sh against a machine that is played by small stand-ins for Debian's tools.
-set -eu
-
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-stage=$(mktemp -d)
-trap 'rm -rf "$stage"' EXIT
+. "$(dirname "${BASH_SOURCE[0]}")/../support/script.sh"
 export STAGE=$stage
-failures=0
-
-fail () {
-  echo "FAILED: $*"
-  failures=$((failures + 1))
-}
 
 stand_in () { # name; the script comes from standard input
   { echo '#!/bin/bash'; cat; } >"$stage/bin/$1"
@@ -97,5 +87,4 @@ run
 run nonsense
 [ $status -eq 2 ] || fail "unknown group: status $status"
 
-[ $failures -eq 0 ] || exit 1
-echo "packages are installed as they should"
+finish install-packages.sh

@@ -3,19 +3,17 @@
 # separators dragged; then what the screen shows is looked at: main-window-test.sh PROGRAM X11_CLIENT
 # PICTURES. There need be no window manager. Nothing waits for a time: each step waits for what it brings about. A failure
 # leaves a picture of the screen in the folder PICTURES.
-set -eu
+. "$(dirname "${BASH_SOURCE[0]}")/../support/script.sh"
 
 program=$1
 client=$2
 pictures=$3
 mkdir -p "$pictures"
-examples=$(cd "$(dirname "${BASH_SOURCE[0]}")/../../examples" && pwd)
-stage=$(mktemp -d)
+examples=$root/examples
 running=
-trap '[ -z "$running" ] || kill "$running" 2>/dev/null || true; rm -rf "$stage"' EXIT
-failures=0
+tidy () { [ -z "$running" ] || kill "$running" 2>/dev/null || true; }
 
-fail () {
+fail () { # what is wrong
   echo "FAILED: $*"
   failures=$((failures + 1))
   import -window root "$pictures/main_window_$failures.png" || true
@@ -51,7 +49,7 @@ start () { # options... The lines of its log stand in the file lines when a trac
 ended () { ! kill -0 "$running" 2>/dev/null; }
 
 # Asks the window to close, as its close box does.
-finish () {
+end_program () {
   "$client" close "$window"
   if ! until_true ended; then
     fail "the program does not end"
@@ -222,7 +220,7 @@ expect "Trace level: 5"
 expect "TRACE:   ---- Kestrelbay Libraries: ----"
 xdotool key 0
 expect "REPORT:  Trace level: 0"
-finish
+end_program
 
 # --- sizes that are asked for ---
 
@@ -230,10 +228,10 @@ geometry_is () { xdotool getwindowgeometry "$window" | grep -q "Geometry: $1\$";
 
 start -x 3 # What isn't said is 0.
 until_true geometry_is 136x600 || fail "a width of 0: $(xdotool getwindowgeometry "$window")"
-finish
+end_program
 start -y -20 400 -x 0 99999
 until_true geometry_is 2100x400 || fail "a huge width: $(xdotool getwindowgeometry "$window")"
-finish
+end_program
 
 # --- files of all kinds ---
 
@@ -286,7 +284,6 @@ done=$(told_times "Done")
 drop_list $'https://example.org/file\r\n'
 until_true told_again "Done" "$done" || fail "a drop of no file"
 expect "Comparing 0 file..."
-finish
+end_program
 
-[ $failures -eq 0 ] || exit 1
-echo "the program does as it should"
+finish "the program"

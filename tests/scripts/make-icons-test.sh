@@ -1,16 +1,6 @@
 #!/usr/bin/env bash
 # Holds Icons/ to scripts/make-icons.py, and looks at what the script writes and how it checks.
-set -eu
-
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-stage=$(mktemp -d)
-trap 'rm -rf "$stage"' EXIT
-failures=0
-
-fail () {
-  echo "FAILED: $*"
-  failures=$((failures + 1))
-}
+. "$(dirname "${BASH_SOURCE[0]}")/../support/script.sh"
 
 make_icons () { python3 "$root/scripts/make-icons.py" "$@"; }
 
@@ -83,5 +73,4 @@ done
 output
 second" ] || fail "left behind: $(ls "$stage")"
 
-[ $failures -eq 0 ] || exit 1
-echo "make-icons.py does as it should"
+finish make-icons.py

@@ -1,21 +1,13 @@
 #!/usr/bin/env bash
 # Runs run.sh in a folder with blanks, with stand-ins for the build and the program, and looks at what it shows.
-set -eu
+. "$(dirname "${BASH_SOURCE[0]}")/../support/script.sh"
 
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-stage=$(mktemp -d)
 user=test-$$ # run.sh looks for the audit file of this user, who is nobody's.
 scratch=/tmp/tagwright-$user
-trap 'rm -rf "$stage" "$scratch"' EXIT
+tidy () { rm -rf "$scratch"; }
 copy="$stage/copy with blanks"
 mkdir -p "$copy/scripts" "$copy/elsewhere" "$stage/bin"
 cp "$root/run.sh" "$copy/"
-failures=0
-
-fail () {
-  echo "FAILED: $*"
-  failures=$((failures + 1))
-}
 
 stand_in () { # file; the script comes from standard input
   { echo '#!/bin/bash'; cat; } >"$1"
@@ -113,5 +105,4 @@ run a.dcm b.dcm
 [ "$output" = "noise of the build
 run.sh: the build failed" ] || fail "a failing build: $output"
 
-[ $failures -eq 0 ] || exit 1
-echo "run.sh does as it should"
+finish run.sh

@@ -849,6 +849,16 @@ TEST (Format, OnlyWhatItemsLackIsLeftToBeCompleted) {
     }
 }
 
+// A sequence of two items, one of them empty.
+static void Add_Two_Items (Flat *flat) {
+    flat->Length (-1, 0x0008, 0x1140, "SQ");
+    flat->Item ();
+    flat->Add (0x0008, 0x1150, "UI", "1.2 ");
+    flat->Item_End ();
+    flat->Item ();
+    flat->Sequence_End ();
+}
+
 TEST (Format, ARecordThatCannotBeTakenOverStaysWithTheGiver) {
     for (long n = 1;; n++) {
         long before = Memory_Live ();
@@ -856,12 +866,7 @@ TEST (Format, ARecordThatCannotBeTakenOverStaysWithTheGiver) {
         {
             Log_Recorder log;
             Flat         flat;
-            flat.Length (-1, 0x0008, 0x1140, "SQ");
-            flat.Item ();
-            flat.Add (0x0008, 0x1150, "UI", "1.2 ");
-            flat.Item_End ();
-            flat.Item ();
-            flat.Sequence_End ();
+            Add_Two_Items (&flat);
             Memory_Fail_At (n);
             Attribute *list = DICOM_Attribute_Format_Own (nullptr, &warning_settings, &flat.list.first);
             failed          = Memory_Failed ();
@@ -888,12 +893,7 @@ TEST (Format, EveryFailedAllocationGivesNoneAndLeaksNothing) {
         {
             Log_Recorder log;
             Flat         flat;
-            flat.Length (-1, 0x0008, 0x1140, "SQ");
-            flat.Item ();
-            flat.Add (0x0008, 0x1150, "UI", "1.2 ");
-            flat.Item_End ();
-            flat.Item ();
-            flat.Sequence_End ();
+            Add_Two_Items (&flat);
             Memory_Fail_At (n);
             Nested nested (&flat);
             failed = Memory_Failed ();

@@ -96,6 +96,17 @@ class Unrun(unittest.TestCase):
             self.assertIn(pattern, Commands.used, "no page has such a command any more: " + reason)
 
 
+class Output(unittest.TestCase):
+    def test_another_day_user_and_machine_are_no_difference(self):
+        for shown, printed in (("--- /tmp/tagwright-1000/Tagwright_21Nov2026.dat ---", "--- /tmp/tagwright-0/Tagwright_03Dec2031.dat ---"),
+                               ("TRACE:   ==== (21 Nov 2026 21:14) ====", "TRACE:   ==== (03 Dec 2031 07:05) ===="),
+                               ("TRACE:   Compile:      Nov 21 2026", "TRACE:   Compile:      Dec  3 2031"),
+                               ("TRACE:   Computer Name:  vm", "TRACE:   Computer Name:  other")):
+            self.assertTrue(matches([shown], [printed]), printed)
+        self.assertFalse(matches(["Found 12 differences"], ["Found 13 differences"]))
+        self.assertFalse(matches(["Tagwright_21Nov2026.dat"], ["Tagwright_21Nov2026.txt"]))
+
+
 class Links(unittest.TestCase):
     def target(self, page, link):
         """(path relative to the root, anchor) of a link that stays inside, or none."""

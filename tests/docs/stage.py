@@ -125,7 +125,7 @@ def write(path, text, mode=0o644):
 # What differs from day to day, machine to machine and build to build.
 VARIABLE = [
     (r"/tmp/tagwright-(\d+|UID)", "/tmp/tagwright-UID"),
-    (r"\b\d\d[A-Z][a-z]{2}\d{4}\b", "DAY"),
+    (r"(?<![0-9A-Za-z])\d\d[A-Z][a-z]{2}\d{4}(?![0-9A-Za-z])", "DAY"),    # Also behind the underscore of a name.
     (r"\b\d\d [A-Z][a-z]{2} \d{4} \d\d:\d\d", "MINUTE"),
     (r"\b[A-Z][a-z]{2} [ \d]\d \d{4}\b", "BUILT"),
     (r"Computer Name:  .*", "Computer Name:  NAME"),

@@ -412,7 +412,7 @@ static inline void Note_Mismatch (Format_Pass *pass, const Attribute *record) {
 
 // The usual record of a lean list: of the rules for all records only those of ends, order and match have to be asked.
 static inline int Is_Plain (const Format_Pass *pass, const Attribute *record) {
-    return pass->is_right && !(record->flags & VR_UNKNOWN) && Has_Plain_VR (record);
+    return pass->is_right && Has_Plain_VR (record);
 }
 
 // 0 when memory ran out.

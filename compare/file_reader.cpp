@@ -239,14 +239,18 @@ static void Nest_Waiting (Reading *reading, Attribute *behind) {
     if (!DICOM_Attribute_Format_Next (reading->nesting, record)) Value_Record_Free (record);
 }
 
+// The cursor stands at the top, whose place is known.
+static void Append_To_List (Reading *reading, Attribute *record) {
+    Window      window = reading->window;
+    Attribute **place  = DICOM_Attribute_Adopt_Place (window, reading->cursor, &reading->path, record);
+    DICOM_Attribute_Adopt_At (window, reading->cursor, place, record);
+}
+
 // Adds the element whose header was read.
 static Step Append (Reading *reading, const Element_Header *header) {
     Attribute *record = Record (reading, header);
     if (!record) return STEP_FAILED;
-    if (!reading->nesting && !DICOM_Attribute_Adopt (reading->window, reading->cursor, &reading->path, record)) {
-        Value_Record_Free (record);
-        return STEP_FAILED;
-    }
+    if (!reading->nesting) Append_To_List (reading, record);
     Apply_Syntax (reading, record);
     if (reading->nesting) Nest_Waiting (reading, record);
     return STEP_DONE;

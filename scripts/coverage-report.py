@@ -34,6 +34,21 @@ class File:
                 key = (line, column, condition, outcome)
                 self.outcomes[key] = self.outcomes.get(key, 0) + count
 
+        self.forget_compiled()
+
+    def forget_compiled(self):
+        """What the compiler evaluates runs in no program: a constexpr function of which nothing ran doesn't count."""
+        start = 0
+        for number, text in enumerate(self.text, 1):
+            if re.match(r"(static |inline )*constexpr .*\) \{$", text):
+                start = number
+            elif start and text == "}":
+                body = range(start, number + 1)
+                if not any(self.lines.get(line) for line in body):
+                    self.lines = {line: count for line, count in self.lines.items() if line not in body}
+                    self.outcomes = {key: count for key, count in self.outcomes.items() if key[0] not in body}
+                start = 0
+
     def condition(self, line, column, end_line, end_column):
         if line == end_line:
             return self.text[line - 1][column - 1 : end_column - 1]

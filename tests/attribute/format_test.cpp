@@ -859,6 +859,64 @@ static void Add_Two_Items (Flat *flat) {
     flat->Sequence_End ();
 }
 
+// Implicit VRs and such that the length decides, and attributes of a sequence that has no item for them.
+TEST (Format, ALeanListChoosesVrsAndMakesItems) {
+    Flat     whole, lean;
+    unsigned left;
+    for (Flat *flat : {&whole, &lean}) {
+        Add_Known (flat, 0x0008, 0x0060, "", "CT");
+        Add_Known (flat, 0x0028, 0x0106, "", "12")->vr   = VR_RT;
+        flat->Length (8, 0x0040, 0xA730, "SQ")->pos_data = 0;
+        Add_Known (flat, 0x0040, 0xA040, "", "TEXT");
+    }
+    Log_Recorder log;
+    Attribute   *first    = DICOM_Attribute_Format_Own (nullptr, &warning_settings, &whole.list.first);
+    std::string  expected = Read_On (&first, FORMAT_LEFT_ALL, 0);
+    Attribute   *second   = Format_Lean (&lean.list.first, &left);
+    EXPECT_EQ (VR_US, second->next->vr);
+    EXPECT_EQ (expected, Read_On (&second, left, 1));
+}
+
+TEST (Format, EveryFailedAllocationEndsALeanListAndLeavesTheRest) {
+    for (long n = 1;; n++) {
+        long before = Memory_Live ();
+        bool failed;
+        {
+            Log_Recorder log;
+            Flat         flat;
+            unsigned     left;
+            Add_Two_Items (&flat);
+            flat.Length (4000, 0x0040, 0xA730, "SQ"); // No item follows, so one is made for what it has.
+            flat.Add (0x0040, 0xA040, "CS", "TEXT");
+            flat.Add (0x0040, 0xA041, "CS", "TEXT");
+            Format_Pass pass;
+            DICOM_Attribute_Format_Start (&pass, nullptr, &warning_settings, Syntax_Is_Right);
+            Memory_Fail_At (n);
+            int refused = 0;
+            while (flat.list.first && !refused) {
+                Attribute *record = flat.list.first;
+                flat.list.first   = record->next;
+                refused           = !DICOM_Attribute_Format_Next (&pass, record);
+                if (!refused) continue;
+                record->next    = flat.list.first;
+                flat.list.first = record;
+            }
+            failed = Memory_Failed ();
+            Memory_Fail_At (0);
+            EXPECT_EQ (failed, refused) << n;
+            EXPECT_EQ (failed, flat.list.first && !DICOM_Attribute_Format_Next (&pass, flat.list.first)) << n;
+            Attribute *list = DICOM_Attribute_Format_End (&pass, &left);
+            EXPECT_EQ (failed, list == nullptr) << n;
+            EXPECT_EQ (failed ? 1 : 0, log.Count (LOG_ERROR, "memory error in ")) << n;
+            SequenceCursor cursor = {};
+            DICOM_Attribute_Delete (nullptr, &cursor, &list, TAG_ANY, TAG_ANY);
+        }
+        EXPECT_EQ (before, Memory_Live ()) << n;
+        if (!failed) break;
+        ASSERT_LT (n, 20);
+    }
+}
+
 TEST (Format, ARecordThatCannotBeTakenOverStaysWithTheGiver) {
     for (long n = 1;; n++) {
         long before = Memory_Live ();

@@ -1043,6 +1043,32 @@ TEST (FileReader, AtOnceIsWhatThePhasesComeToForRandomFiles) {
     }
 }
 
+// Values of the length of a buffer's end, and in exchanged order, have to be read in another way than all others.
+TEST (FileReader, AtOnceIsWhatThePhasesComeToForExchangedBytes) {
+    Reader reader;
+    Stream stream = Stream_Begin (IMPLICIT_LITTLE);
+    Stream_Add_Text (&stream, 0x0008, 0x0060, "CS", "CT");
+    Stream_Add_Text (&stream, 0x0010, 0x0010, "PN", "Doe^John");
+    std::vector<unsigned char> bytes = stream.bytes;
+    for (size_t i = 0; i + 1 < bytes.size (); i += 2) std::swap (bytes[i], bytes[i + 1]);
+    bytes.resize (200, 0);
+    reader.settings.mode_start = MODE_SWAB | MODE_BIG_ENDIAN;
+    Expect_The_Same (&reader, bytes, "exchanged");
+}
+
+TEST (FileReader, NotesAloneAreWrittenPhaseByPhase) {
+    Reader       reader;
+    Log_Recorder log;
+    reader.settings.kind_warning = 0;
+    Stream stream                = Stream_Begin_File (EXPLICIT_LITTLE);
+    Stream_Add_Text (&stream, 0x0008, 0x0001, "SH", "X"); // Retired,
+    Stream_Add_Text (&stream, 0x0008, 0x0FFE, "SH", "X"); // and behind it one that nobody knows.
+    reader.Nested (stream.bytes);
+    EXPECT_TRUE (log.Contains ("Retired from DICOM")) << log.All ();
+    size_t unknown = log.All ().find ("Unknown tag"), retired = log.All ().find ("Retired from");
+    EXPECT_LT (unknown, retired);
+}
+
 TEST (FileReader, MemoryFailuresAtOnceAreToldAndLeakNothing) {
     Reader reader;
     reader.settings.kind_warning = reader.settings.kind_note = 0;

@@ -100,6 +100,15 @@ run
 [ $status -eq 0 ] || fail "there is no goal for app: status $status"
 [[ "$output" =~ app/one.cpp\ +0/4\ +0.0\ % ]] || fail "a file that never ran: $output"
 
+# What only the compiler ran is no line of a program, but a function of both is.
+sed -i '1s/^/static constexpr /' "$stage/app/one.cpp"
+run
+[ -z "$uncovered" ] || fail "what the compiler evaluates counts: $uncovered"
+export_of app 5 5 0
+run
+[ "$uncovered" = "app/one.cpp:3: never ran: return 0;
+app/one.cpp:2:9: never false: x > 1" ] || fail "a constexpr function that ran: $uncovered"
+
 # One outcome of the reader is missed, though every line ran.
 export_of nema 5 0 5
 run

@@ -66,7 +66,7 @@ static const size_t SMALL       = 256;             // The largest of them.
 static const size_t SLAB_SIZE   = 64 * 1024;       // Bytes of a slab, its head counted.
 static const size_t CHUNK_SIZE  = 2 * 1024 * 1024; // Bytes of a chunk: one large page of most processors.
 static const int    CHUNK_SLABS = CHUNK_SIZE / SLAB_SIZE;
-static const int    SLABS_ALONE = 48;               // Slabs before the first chunk: most lists are short.
+static const int    SLABS_ALONE = 16;               // Slabs before the first chunk: most lists are short.
 static const int    SLAB_SIZES  = SMALL / UNIT + 1; // The first one, for no bytes, is of one unit.
 
 struct Slab;

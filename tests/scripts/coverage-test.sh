@@ -64,6 +64,7 @@ export_of () { # the folder that differs, and its runs, true, false
 
 run () { # arguments...
   : >"$stage/calls"
+  rm -f "$stage/build/coverage/uncovered.txt"
   status=0
   output=$(PATH="$stage/bin:$PATH" "$stage/scripts/coverage.sh" "$@" 2>&1) || status=$?
   uncovered=$(cat "$stage/build/coverage/uncovered.txt" 2>/dev/null || true)
@@ -103,6 +104,7 @@ run
 # What only the compiler ran is no line of a program, but a function of both is.
 sed -i '1s/^/static constexpr /' "$stage/app/one.cpp"
 run
+[ $status -eq 0 ] && [ -f "$stage/build/coverage/uncovered.txt" ] || fail "a constexpr function: $status ($output)"
 [ -z "$uncovered" ] || fail "what the compiler evaluates counts: $uncovered"
 export_of app 5 5 0
 run

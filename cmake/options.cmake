@@ -37,6 +37,7 @@ endif ()
 # What libFuzzer steers by. Its main is linked into the fuzz programs only (fuzz/CMakeLists.txt).
 if (TAGWRIGHT_FUZZ)
     add_compile_options (-fsanitize=fuzzer-no-link)
+    add_compile_definitions (TAGWRIGHT_SMALL_PIECES)
 endif ()
 
 # What runs is counted for scripts/coverage.sh, the tests' code too: of an inline function that both use, the linker takes the

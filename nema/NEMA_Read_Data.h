@@ -43,7 +43,7 @@ int NEMA_Read_Long  (Window window, NEMA_Source *source, uint8_t mode, uint32_t 
 // mapped instead. With MODE_SWAB the bytes of every 16-bit unit are exchanged. 1, or 0 after a report.
 int NEMA_Read_Buffer (Window window, NEMA_Source *source, uint8_t mode, int32_t length, Attribute *target);
 
-static const int32_t NEMA_MAP_LENGTH = 65536;   // From this length on a value is mapped.
+static const int32_t NEMA_MAP_LENGTH = FILE_BUFFER_SIZE;    // From this length on a value is mapped.
 
 // 1 when the source has count more bytes. Else 0, with the report and the position of a read that came to the end, so
 // that a length is checked before memory is asked for it.

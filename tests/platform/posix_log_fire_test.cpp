@@ -72,13 +72,13 @@ struct User_Runs {
 
     explicit User_Runs (const Installed &program) : installed (program) { Write_User_Tables (user); }
 
-    // scratch: none for the default one. before: shell commands.
-    void Run (const std::string &scratch, const std::string &before = "") {
+    // scratch: none for the default one. before: shell commands. after: more words and redirections.
+    void Run (const std::string &scratch, const std::string &before = "", const std::string &after = "") {
         user.Write ("Kestrelbay/Tagwright.ini",
                     "audit = audit.dat\n" + (scratch.empty () ? "" : "scratch = " + scratch + "\n"));
         std::string command = before + (before.empty () ? "" : "; ") + "APPDATA=" + Quoted (user.path) + " " +
                               Quoted (installed.folder.File ("tagwright")) + " -t -1 " + installed.Pair () + " > " +
-                              Quoted (user.File ("output.txt")) + " 2> " + Quoted (user.File ("errors.txt"));
+                              Quoted (user.File ("output.txt")) + " 2> " + Quoted (user.File ("errors.txt")) + after;
         int status    = std::system (command.c_str ());
         result.status = WIFEXITED (status) ? WEXITSTATUS (status) : -1;
         result.output = Read_Whole (user.File ("output.txt"));
@@ -527,5 +527,25 @@ TEST (LogUnderFire, TwoProgramsShareTheAuditFile) {
         for (const std::string &line : Lines_Of (scratch + "/audit.dat")) seen[line]++;
         EXPECT_EQ (13u, seen.size ());
         for (const auto &line : seen) EXPECT_EQ (WRITERS * PAIRS, line.second) << line.first;
+    });
+}
+
+// --- closed streams --------------------------------------------------------
+
+// What is meant for the console must not get into the files that are opened next, which take the numbers of what is closed.
+TEST (LogUnderFire, NothingMeantForAClosedConsoleGetsIntoTheLogs) {
+    With_Program ([] (User_Runs &runs, const std::string &) {
+        std::string scratch = runs.user.File ("logs");
+        runs.Run (scratch, "", " -t 1");
+        std::string trace = Read_Whole (scratch + "/Tagwright_trace.dat"), audit = Read_Whole (scratch + "/audit.dat");
+        ASSERT_NE ("", trace);
+        Expect_Whole_Logs (scratch);
+        for (const char *closed : {" >&-", " <&- >&-", " <&- >&- 2>&-", " 2>&-", " <&-"}) {
+            std::filesystem::remove_all (scratch);
+            runs.Run (scratch, "", std::string (" -t 1") + closed);
+            EXPECT_EQ (DIFFERENCES, runs.result.status) << closed;
+            EXPECT_EQ (trace, Read_Whole (scratch + "/Tagwright_trace.dat")) << closed;
+            EXPECT_EQ (audit, Read_Whole (scratch + "/audit.dat")) << closed;
+        }
     });
 }

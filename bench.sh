@@ -13,12 +13,13 @@ what=all
 cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DTAGWRIGHT_TESTS=OFF >"$log" 2>&1 &&
   cmake --build "$build" --target tagwright make_pairs assemble view_bench >>"$log" 2>&1 || { cat "$log"; exit 1; }
 files=${1:-$root/build/bench}
-mkdir -p "$files" "$build/user"
+mkdir -p "$files" "$build/user/Kestrelbay"
 export APPDATA=$build/user          # The first of the runs copies the definition tables there.
+echo "scratch = $build/logs/" >"$build/user/Kestrelbay/Tagwright.ini"
+rm -rf "$build/logs"
 
 if [ $what = compare ]; then
   [ $# -eq 0 ] || shift
-  "$build/tagwright" "$root/examples/ct_a.dcm" "$root/examples/ct_a.dcm"
   exec python3 "$root/bench/compare.py" "$build/tagwright" "$build/bench/make_pairs" "$files" "$@"
 fi
 

@@ -9,6 +9,9 @@ cmp of equal copies is the limit: it reads both files once and does nothing else
 that other work on the machine meets all of them; a figure is the median of the rounds' ratios to the limit of the same
 round. Beside the ratio of times on the clock stands that of processor time, which other work disturbs less. The peak
 memory of a small process is that of this script, from which it begins.
+
+Before a pair is measured one run must find each difference; the measured ones must end with the same status. The status is
+1 when one doesn't, or when a target is missed.
 """
 import os
 import shutil
@@ -23,27 +26,33 @@ TRACE_ROUNDS = 3
 TRACE_SECONDS = 10    # After which a trace is ended; the lines written until then are complete.
 TRACE_TARGET = 200000    # Lines a second of processor time.
 
-# name, kind and number for make_pairs, the target, the pairs
+PIXEL_MIB = 64    # The most memory for 512 MB of pixels.
+TENFOLD = 11    # The most time for ten times the elements.
+MOST_COUNTED = 254    # Differences that a status can tell.
+
+# letter, title, kind and number for make_pairs, differences of each pair, the target
 PAIRS = [
-    ("a", "300-element CT", "ct", 300, 3),
-    ("b", "multi-frame, 120,000 elements", "frames", 2000, 15),
-    ("c", "512 MB of pixels", "pixel", 536870912, 1.5),
-    ("d", "2,000 small pairs", "small", 2000, 5),
-    ("e", "50,000 private", "private", 50000, 10),
-    ("E", "500,000 private", "private", 500000, None),
-    ("f", "9 deep", "deep", 10, 4),
+    ("a", "300-element CT", "ct", 300, 3, 3),
+    ("b", "multi-frame, 120,000 elements", "frames", 2000, 101, 15),
+    ("c", "512 MB of pixels", "pixel", 536870912, 1, 1.5),
+    ("d", "2,000 small pairs", "small", 2000, 2, 5),
+    ("e", "50,000 private", "private", 50000, 50, 10),
+    ("E", "500,000 private", "private", 500000, 500, None),
+    ("f", "9 deep", "deep", 10, 10, 4),
 ]
+
+missed = []
 
 
 def wait(process, end):
-    """For a process, which is killed when it hasn't ended by then. What it has used."""
+    """As os.wait4 for a process, which is killed when it hasn't ended by then."""
     while True:
-        ended, _, usage = os.wait4(process, os.WNOHANG)
-        if ended:
-            return usage
+        result = os.wait4(process, os.WNOHANG)
+        if result[0]:
+            return result
         if time.perf_counter() >= end:
             os.kill(process, signal.SIGKILL)
-            return os.wait4(process, 0)[2]
+            return os.wait4(process, 0)
         time.sleep(0.02)
 
 
@@ -54,15 +63,37 @@ class Run:
         self.clock = self.processor = 0.0
         self.kib = 0
 
-    def add(self, command, output=NULL, environment=os.environ, limit=None):
+    def add(self, command, output=NULL, environment=os.environ, limit=None, status=None):
+        """limit: seconds after which it is killed. status: the one that it must end with, when that matters."""
         start = time.perf_counter()
         actions = [(os.POSIX_SPAWN_DUP2, output, 1), (os.POSIX_SPAWN_DUP2, NULL, 2)]
         process = os.posix_spawn(command[0], command, environment, file_actions=actions)
-        usage = wait(process, start + limit) if limit else os.wait4(process, 0)[2]
+        _, ended, usage = wait(process, start + limit) if limit else os.wait4(process, 0)
         self.clock += time.perf_counter() - start
         self.processor += usage.ru_utime + usage.ru_stime
         self.kib = max(self.kib, usage.ru_maxrss)
+        if status is not None and os.waitstatus_to_exitcode(ended) != status:
+            sys.exit(f"compare.py: {command[0]} ended with {os.waitstatus_to_exitcode(ended)} instead of {status}")
         return self
+
+
+class User:
+    """Whom the program runs for: settings and logs of its own, so that nobody else's audit file grows."""
+
+    def __init__(self, folder):
+        home, self.logs = os.path.abspath(file(folder, "user")), os.path.abspath(file(folder, "logs"))
+        settings = os.path.join(home, "Kestrelbay", "Tagwright.ini")
+        os.makedirs(os.path.dirname(settings), exist_ok=True)
+        with open(settings, "w") as text:
+            text.write(f"audit = audit.dat\nscratch = {self.logs}/\n")
+        self.environment = {**os.environ, "APPDATA": home}
+        self.forget()
+
+    def forget(self):
+        shutil.rmtree(self.logs, ignore_errors=True)
+
+    def log(self, name):
+        return open(os.path.join(self.logs, name), "rb")
 
 
 def file(folder, name):
@@ -127,7 +158,20 @@ class Series:
         return f"{median(self.clock):8.2f} {median(self.processor):8.2f} {median(self.seconds):9.4f} s {self.kib / 1024:7.1f} MiB"
 
 
-def measure(program, tools, folder, stems, stem, rounds, with_peers):
+def check(program, user, names, differences):
+    """One run must find each pair's differences. Returns the status of a run that does."""
+    pairs = len(names) // 2
+    status = min(pairs * differences, MOST_COUNTED)
+    user.forget()
+    Run().add([program, *names], environment=user.environment, status=status)
+    with user.log("audit.dat") as lines:
+        found = [line.split()[1] for line in lines if line.startswith(b"Found ")]
+    if found != [str(differences).encode()] * pairs:
+        sys.exit(f"compare.py: the audit file of {names[0]} doesn't tell {pairs} times {differences} differences")
+    return status
+
+
+def measure(program, user, tools, folder, stems, stem, differences, rounds, with_peers):
     names = [name for one in stems for name in (one + "_a.dcm", one + "_b.dcm")]
     all_copies = copies(folder, stems, stem)
     share = min(len(stems), PEER_PAIRS) / len(stems)
@@ -138,38 +182,37 @@ def measure(program, tools, folder, stems, stem, rounds, with_peers):
         with open(name, "rb") as source:
             while source.read(1 << 20):
                 pass
+    status = check(program, user, names, differences)
     for number in range(rounds):
-        limit = Run().add([tools["cmp"], *all_copies])
+        limit = Run().add([tools["cmp"], *all_copies], status=0)
         series["cmp"].add(limit, limit)
-        series["tagwright"].add(Run().add([program, *names]), limit)
+        user.forget()
+        series["tagwright"].add(Run().add([program, *names], environment=user.environment, status=status), limit)
         if number < 3:    # They differ by so much that three rounds are enough.
             for peer in peers:
                 series[peer.__name__].add(peer(tools, stems, folder), limit, share)
     return series
 
 
-def trace(program, make_pairs, folder):
+def trace(program, user, make_pairs, folder):
     """Lines a second of a trace at level 5, which goes to a file and to the console, here nowhere.
 
     The whole trace has several million lines, so it is ended after a while."""
     stem = make(make_pairs, folder, "frames", 2000)[0]
-    user, logs = os.path.abspath(file(folder, "trace_user")), os.path.abspath(file(folder, "trace_logs"))
-    settings = os.path.join(user, "Kestrelbay", "Tagwright.ini")
-    os.makedirs(os.path.dirname(settings), exist_ok=True)
-    with open(settings, "w") as text:
-        text.write(f"scratch = {logs}/\n")
     clock, processor = [], []
     for _ in range(TRACE_ROUNDS):
-        shutil.rmtree(logs, ignore_errors=True)
+        user.forget()
         command = [program, "-t", "5", stem + "_a.dcm", stem + "_b.dcm"]
-        run = Run().add(command, NULL, {**os.environ, "APPDATA": user}, TRACE_SECONDS)
-        with open(os.path.join(logs, "Tagwright_trace.dat"), "rb") as lines:
+        run = Run().add(command, environment=user.environment, limit=TRACE_SECONDS)
+        with user.log("Tagwright_trace.dat") as lines:
             count = sum(1 for _ in lines)
         clock.append(count / run.clock)
         processor.append(count / run.processor)
-    shutil.rmtree(logs, ignore_errors=True)
+    user.forget()
     print(f"(t) trace of (b) at level 5, {count} lines: {statistics.median(clock):.0f} a second on the clock, "
           f"{statistics.median(processor):.0f} of processor time   (target {TRACE_TARGET})", flush=True)
+    if statistics.median(processor) < TRACE_TARGET:
+        missed.append("t")
 
 
 def main(words):
@@ -185,24 +228,33 @@ def main(words):
     tools = {name: shutil.which(name) for name in ("cmp", "diff", "gdcmdiff", "dcmdump")}
     print(f"{'':36}   clock     cpu   (ratios to cmp)  time     peak memory   target")
     seconds = {}
-    for letter, title, kind, number, target in PAIRS:
+    user = User(folder)
+    for letter, title, kind, number, differences, target in PAIRS:
         if wanted and letter not in wanted:
             continue
         stems = make(make_pairs, folder, kind, number)
         stem = file(folder, f"{kind}_{number}")
         few = max(5, rounds // 3) if kind == "pixel" or number == 500000 else rounds
-        series = measure(program, tools, folder, stems, stem, few, with_peers)
+        series = measure(program, user, tools, folder, stems, stem, differences, few, with_peers)
         for name, one in series.items():
             label = f"({letter}) {title}" if name == "tagwright" else ""
             goal = f"   {target}" if name == "tagwright" and target else ""
             if kind == "pixel" and goal:
-                goal += ", 64 MiB"
+                goal += f", {PIXEL_MIB} MiB"
             print(f"{label:36} {one.text()} {goal}  {name}", flush=True)
-        seconds[letter] = statistics.median(series["tagwright"].seconds)
+        own = series["tagwright"]
+        if target and statistics.median(own.clock) > target or kind == "pixel" and own.kib > PIXEL_MIB * 1024:
+            missed.append(letter)
+        seconds[letter] = statistics.median(own.seconds)
     if not wanted or "t" in wanted:
-        trace(program, make_pairs, folder)
+        trace(program, user, make_pairs, folder)
     if "e" in seconds and "E" in seconds:
-        print(f"ten times the private elements: {seconds['E'] / seconds['e']:.2f} times the time   (target 11)")
+        tenfold = seconds["E"] / seconds["e"]
+        print(f"ten times the private elements: {tenfold:.2f} times the time   (target {TENFOLD})")
+        if tenfold > TENFOLD:
+            missed.append("ten times (e)")
+    if missed:
+        sys.exit("missed: " + ", ".join(missed))
 
 
 main(sys.argv[1:])

@@ -54,21 +54,28 @@ is_slow () { # target, input
   [ "${spent%%.*}" -ge 1 ]
 }
 
-# Written output of the program itself (the usage text of the command line) is closed; reports of the sanitizers stay.
+# What the program writes to its standard output is closed; the reports of the sanitizers stay. An input that was only slow
+# since the machine was busy ends a run, too: then another one has the seconds that are left.
 fuzz () { # target
-  local target=$1 findings=$build/findings/$1 corpus=$build/corpus/$1 log=$build/$1.log limit=16384 status=0
+  local target=$1 findings=$build/findings/$1 corpus=$build/corpus/$1 log=$build/$1.log limit=16384
+  local end=$((SECONDS + seconds)) executions=0 status=0 done=0 slow count
   [ "$target" = definition ] || [ "$target" = configuration ] || [ "$target" = images ] && limit=4096
   [ "$target" = command_line ] && limit=512
   mkdir -p "$findings" "$corpus"
-  "$build/fuzz_$target" "${options[@]}" -max_len=$limit -max_total_time="$seconds" -close_fd_mask=1 \
-    "-artifact_prefix=$findings/" "$corpus" "$build/seeds/$target" >"$log" 2>&1 || status=$?
-  for slow in "$findings"/slow-unit-* "$findings"/timeout-*; do
-    [ -e "$slow" ] && ! is_slow "$target" "$slow" || continue
-    rm "$slow"
-    [[ "$slow" != */timeout-* ]] || status=0 # What ended the run was none.
+  while [ $done -eq 0 ] && [ $SECONDS -lt $end ]; do
+    status=0 done=1
+    "$build/fuzz_$target" "${options[@]}" -max_len=$limit -max_total_time=$((end - SECONDS)) -close_fd_mask=1 \
+      "-artifact_prefix=$findings/" "$corpus" "$build/seeds/$target" >"$log" 2>&1 || status=$?
+    count=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
+    executions=$((executions + ${count:-0}))
+    for slow in "$findings"/slow-unit-* "$findings"/timeout-*; do
+      [ -e "$slow" ] && ! is_slow "$target" "$slow" || continue
+      rm "$slow"
+      [[ "$slow" != */timeout-* ]] || status=0 done=0
+    done
   done
-  echo "$target: $(sed -n 's/^stat::number_of_executed_units: *//p' "$log") executions," \
-    "$(grep -o 'cov: [0-9]*' "$log" | tail -n 1), $(find "$findings" -type f | wc -l) findings"
+  echo "$target: $executions executions, $(grep -o 'cov: [0-9]*' "$log" | tail -n 1)," \
+    "$(find "$findings" -type f | wc -l) findings"
   if [ $status -ne 0 ]; then
     grep -E -A 12 'ERROR: |runtime error: |memory stays' "$log" | head -n 40
     [ -n "$(ls -A "$findings")" ] || { echo "$target failed without an input: $log"; failed=1; }

@@ -3,11 +3,6 @@
 . "$(dirname "${BASH_SOURCE[0]}")/../support/script.sh"
 export STAGE=$stage
 
-stand_in () { # path; the script comes from standard input
-  { echo '#!/bin/bash'; cat; } >"$stage/$1"
-  chmod +x "$stage/$1"
-}
-
 # --- a tree with one source in each folder, all of it covered ---
 
 engine="attribute nema syntax tables compare util platform/posix"

@@ -3,11 +3,6 @@
 . "$(dirname "${BASH_SOURCE[0]}")/../support/script.sh"
 export STAGE=$stage
 
-stand_in () { # name; the script comes from standard input
-  { echo '#!/bin/bash'; cat; } >"$stage/bin/$1"
-  chmod +x "$stage/bin/$1"
-}
-
 # A machine with the tools that the script uses, and no others.
 machine () { # user id, installed packages...
   rm -rf "$stage/bin"
@@ -17,11 +12,11 @@ machine () { # user id, installed packages...
   shift
   echo " $* " >"$stage/installed"
   : >"$stage/calls"
-  echo "echo $user" | stand_in id
-  stand_in dpkg-query <<'END'
+  echo "echo $user" | stand_in bin/id
+  stand_in bin/dpkg-query <<'END'
 if [[ "$(cat "$STAGE/installed")" == *" ${!#} "* ]]; then echo -n 'ii '; else exit 1; fi
 END
-  stand_in apt-get <<'END'
+  stand_in bin/apt-get <<'END'
 echo "apt-get $DEBIAN_FRONTEND $*" >>"$STAGE/calls"
 END
 }
@@ -52,7 +47,7 @@ run build
 case "$output" in *"needs root or sudo to install: ninja-build"*) ;; *) fail "message without sudo: $output" ;; esac
 
 machine 1000 g++ cmake $window
-stand_in sudo <<'END'
+stand_in bin/sudo <<'END'
 echo sudo >>"$STAGE/calls"
 exec "$@"
 END
@@ -61,7 +56,7 @@ run build
 case "$calls" in *sudo*"install -y --no-install-recommends ninja-build") ;; *) fail "calls through sudo: $calls" ;; esac
 
 machine 0 g++ cmake $window
-stand_in apt-get <<'END'
+stand_in bin/apt-get <<'END'
 echo "E: Could not resolve host"
 exit 100
 END

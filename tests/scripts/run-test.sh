@@ -9,27 +9,22 @@ copy="$stage/copy with blanks"
 mkdir -p "$copy/scripts" "$copy/elsewhere" "$stage/bin"
 cp "$root/run.sh" "$copy/"
 
-stand_in () { # file; the script comes from standard input
-  { echo '#!/bin/bash'; cat; } >"$1"
-  chmod +x "$1"
-}
-
-stand_in "$copy/scripts/install-packages.sh" <<'END'
+stand_in "copy with blanks/scripts/install-packages.sh" <<'END'
 echo "$*" >"$STAGE/groups"
 END
-stand_in "$stage/bin/id" <<END
+stand_in bin/id <<END
 echo "$user"
 END
-stand_in "$stage/bin/date" <<'END'
+stand_in bin/date <<'END'
 cat "$STAGE/date"
 END
-stand_in "$stage/bin/cmake" <<'END'
+stand_in bin/cmake <<'END'
 echo "noise of the build"
 [ ! -f "$STAGE/built" ] || mv "$STAGE/built" "$BUILT"
 [ ! -f "$STAGE/broken" ]
 END
 mkdir -p "$copy/build/run"
-stand_in "$copy/build/run/tagwright" <<'END'
+stand_in "copy with blanks/build/run/tagwright" <<'END'
 printf '<%s>' "$@"
 printf '\n'
 [ ! -f "$STAGE/script" ] || . "$STAGE/script"

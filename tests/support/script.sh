@@ -13,6 +13,11 @@ fail () { # what is wrong
   failures=$((failures + 1))
 }
 
+stand_in () { # path below stage; the script comes from standard input
+  { echo '#!/bin/bash'; cat; } >"$stage/$1"
+  chmod +x "$stage/$1"
+}
+
 finish () { # name
   [ $failures -eq 0 ] || exit 1
   echo "$1 does as it should"

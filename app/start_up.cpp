@@ -4,7 +4,6 @@
 #include "app/start_up.h"
 
 #include <stdio.h>
-#include <time.h>
 
 #include <algorithm>
 
@@ -35,9 +34,8 @@ Application Program;
 // --- identity --------------------------------------------------------------
 
 static void Identity_Set (void) {
-    char   date[32] = "";
-    time_t now      = time (nullptr);
-    if (const tm *local = localtime (&now)) strftime (date, sizeof date, "%d%b%Y", local);
+    char date[32];
+    System_Now ("%d%b%Y", date, sizeof date);
 
     Log.trace_level        = 0;
     Log.audit_mode         = 2;

@@ -104,6 +104,10 @@ void System_Append_End (void);      // Lets go of the files that are kept for Sy
 
 // --- facts for the banner --------------------------------------------------
 
+// The local date and time as strftime writes them in this format; empty when there are none or they don't fit. Any thread may
+// ask, since each logs.
+void System_Now (const char *format, char *result, size_t size);
+
 struct System_Version {
     int platform;                           // 0 Win32s, 1 the 9x family, 2 the NT family, 3 any other system.
     int major, minor, build;

@@ -5,7 +5,6 @@
 
 #include <stdarg.h>
 #include <string.h>
-#include <time.h>
 
 #include <atomic>
 
@@ -104,12 +103,6 @@ static size_t Line_Make (char *line, const char *prefix, int indent, const char 
     return static_cast<size_t> (used - line);
 }
 
-static void Local_Time (const char *format, char *result) {
-    time_t           now   = time (nullptr);
-    const struct tm *local = localtime (&now);
-    if (!local || !strftime (result, TIME_SIZE, format, local)) result[0] = 0;
-}
-
 // --- files -----------------------------------------------------------------
 
 // The directory of a log file, with a separator at its end. 0 when it is too long.
@@ -128,8 +121,10 @@ static int Directory_Of (const Text_Path *pieces, char *directory, size_t size) 
     return 1;
 }
 
-// The default scratch directory may stand where everybody writes, so it must be the user's own.
+// The default scratch directory may stand where everybody writes, so it must be the user's own. Directory_Make would tell of
+// a path that is too long, and so with every line.
 static int Directory_Ready (const char *directory) {
+    if (strlen (directory) > System_Directory_Limit ()) return 0;
     char standard[SYSTEM_PATH_SIZE];
     if (System_Scratch_Path (standard, sizeof standard) && !strcmp (directory, standard))
         return System_Private_Directory_Make (directory);
@@ -291,7 +286,7 @@ static void Write_Audit_Timed (const char *text) {
     char   line[LINE_SIZE];
     char   now[TIME_SIZE];
     size_t used = 0;
-    Local_Time ("%d-%b-%Y %H:%M:%S", now);
+    System_Now ("%d-%b-%Y %H:%M:%S", now, sizeof now);
     Text_Append (line, sizeof line, &used, "%s %s\n", now, text);
     Write_Line (FILE_AUDIT, line, used);
 }
@@ -302,7 +297,7 @@ static void Write_Error_Log (const char *text) {
     char   now[TIME_SIZE];
     size_t used  = 0;
     int    first = !error_log_begun.load ();
-    Local_Time ("%d %b %Y %H:%M", now);
+    System_Now ("%d %b %Y %H:%M", now, sizeof now);
     if (first)
         Text_Append (line, LOG_PATH_SIZE, &used, "\n======== %s %s =====(%s)========\n", Log.program_name,
                      Log.program_version, now);
@@ -509,7 +504,7 @@ const char *Log_System_Name (int platform, int major, int minor) {
 
 static void Banner_Program (void) {
     char now[TIME_SIZE];
-    Local_Time ("%d %b %Y %H:%M", now);
+    System_Now ("%d %b %Y %H:%M", now, sizeof now);
     Log_Message (nullptr, LOG_TRACE1, "==== ==== %s %s ==== (%s) ==== ====", Log.program_name, Log.program_version,
                  now);
     Log_Message (nullptr, LOG_TRACE1, "");

@@ -595,6 +595,12 @@ void System_Append_End (void) {
 
 // --- facts for the banner --------------------------------------------------
 
+void System_Now (const char *format, char *result, size_t size) {
+    time_t    now = time (nullptr);
+    struct tm local;
+    if (!localtime_r (&now, &local) || !strftime (result, size, format, &local)) result[0] = 0;
+}
+
 int System_Computer_Name (char *result, size_t size) {
     if (!size || gethostname (result, size)) return 0;
     result[size - 1] = 0;

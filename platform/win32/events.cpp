@@ -180,20 +180,22 @@ static char *Dropped_Path (HDROP drop, UINT index) {
     return path;
 }
 
-// Without memory the event has the files up to that point. A list without files may be told as one file without a name.
+// Without memory there is no event: a drop that lost a name would be compared with the wrong file. A list without files may
+// be told as one file without a name.
 static void On_Drop (Window_State *state, HDROP drop) {
     UINT         count = DragQueryFileW (drop, 0xFFFFFFFF, nullptr, 0);
     char       **files = static_cast<char **> (calloc (count + 1, sizeof *files));
     Window_Event event = Event_Of (WINDOW_DROP);
 
-    for (UINT i = 0; files && i < count; i++) {
+    int complete = files != nullptr;
+    for (UINT i = 0; complete && i < count; i++) {
         if (!DragQueryFileW (drop, i, nullptr, 0)) continue;
         files[event.file_count] = Dropped_Path (drop, i);
-        if (!files[event.file_count]) break;
-        event.file_count++;
+        if (files[event.file_count]) event.file_count++;
+        else complete = 0;
     }
     event.files = files;
-    Window_Deliver (state, &event);
+    if (complete) Window_Deliver (state, &event);
     for (int i = 0; i < event.file_count; i++) free (files[i]);
     free (files);
     DragFinish (drop);

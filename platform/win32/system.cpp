@@ -6,6 +6,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <time.h>
 
 #include <windows.h>
 
@@ -315,6 +316,12 @@ int System_Append_Again (const char *, const void *, size_t) { return 0; }
 void System_Append_End (void) {}
 
 // --- facts for the banner --------------------------------------------------
+
+void System_Now (const char *format, char *result, size_t size) {
+    time_t now = time (nullptr);
+    tm     local;
+    if (localtime_s (&local, &now) || !strftime (result, size, format, &local)) result[0] = 0;
+}
 
 int System_Computer_Name (char *result, size_t size) {
     DWORD count = size > MAXDWORD ? MAXDWORD : (DWORD)size;

@@ -1,3 +1,6 @@
+// First, since the system's headers have macros that its names don't bear.
+#include "util/my_error_fct.h"
+
 #include "tests/platform/win32_child.h"
 
 #include <stdio.h>
@@ -19,6 +22,16 @@ static int Write_And_Die (const char *text) {
     int opened = System_Console_Open ();
     fputs (text, stdout);
     TerminateProcess (GetCurrentProcess (), opened ? 0 : 1);
+    return 1;
+}
+
+// Logs so many lines into the directory and ends abruptly.
+static int Log_And_Die (const char *directory) {
+    Log_Settings_Reset ();
+    Log_Sink_Set (Log_Program_Sink);
+    snprintf (Log.scratch, sizeof Log.scratch, "%s", directory);
+    for (int i = 0; i < CHILD_LOG_LINES; i++) Log_Message (nullptr, LOG_AUDIT, "line %d", i);
+    TerminateProcess (GetCurrentProcess (), 0);
     return 1;
 }
 
@@ -44,6 +57,7 @@ static int Drop_On (const char *title) {
 
 static int Role_Run (const char *role, const char *argument) {
     if (!strcmp (role, "status")) return System_Exit_Status (atoi (argument));
+    if (!strcmp (role, "log")) return Log_And_Die (argument);
     if (!strcmp (role, "write")) return Write_And_Die (argument);
     if (!strcmp (role, "console")) return (int)Write_To_Console (argument);
     if (!strcmp (role, "drop")) return Drop_On (argument);
@@ -51,7 +65,7 @@ static int Role_Run (const char *role, const char *argument) {
 }
 
 static bool Role_Begin () {
-    char role[80], argument[80] = "";
+    char role[80], argument[MAX_PATH] = "";
     if (!GetEnvironmentVariableA (ROLE, role, sizeof role)) return false;
     GetEnvironmentVariableA (ARGUMENT, argument, sizeof argument);
     ExitProcess ((UINT)Role_Run (role, argument));

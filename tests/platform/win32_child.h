@@ -13,6 +13,8 @@ struct Child_Result {
 // How the role "console" ends.
 static const unsigned long CONSOLE_SHOWS = 0, CONSOLE_REFUSED = 1, CONSOLE_UNREADABLE = 2, CONSOLE_DIFFERENT = 3;
 
+static const int CHILD_LOG_LINES = 100;     // What the role "log" writes into audit.dat of the directory.
+
 enum Child_Output { CHILD_PIPE, CHILD_FILE, CHILD_NONE };
 
 // Runs the role with an argument and waits for its end. CHILD_FILE writes to the file name; CHILD_NONE gives it no

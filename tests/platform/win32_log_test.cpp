@@ -9,6 +9,7 @@
 
 #include <windows.h>
 
+#include "tests/platform/win32_child.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/temporary.h"
 
@@ -29,6 +30,7 @@ protected:
         boxes.clear ();
     }
     void TearDown () override {
+        Log_List_Set (nullptr);
         Log_Settings_Reset ();
         Window_Box_Hook_Set (nullptr);
         Log = before;
@@ -60,6 +62,30 @@ TEST_F (Win32Log, AFileInPlaceOfTheDirectoryIsToldOnce) {
                    "\"\nMake sure you have the necessary permisions\n",
                boxes);
     EXPECT_EQ ("mine", Read_Whole (directory.File ("file")));
+}
+
+static int listed;
+
+// Nobody could be told of the path with every line.
+TEST_F (Win32Log, APathThatIsTooLongIsToldOnce) {
+    std::string path = directory.File ("x");
+    path += std::string (250 - path.size (), 'x');
+    ASSERT_GT (path.size (), System_Directory_Limit ());
+    Scratch_Set (path);
+    listed = 0;
+    Log_List_Set ([] (Window, const char *, int) { listed++; });
+    for (int i = 0; i < 3; i++) Line ("text");
+    EXPECT_EQ (0, listed);
+    EXPECT_EQ ("Error writing to Scratch dir|Unable to create directory: \"" + path +
+                   "\\\"\nMake sure you have the necessary permisions\n",
+               boxes);
+}
+
+TEST_F (Win32Log, AProgramThatEndsAbruptlyLeavesEveryLine) {
+    std::string lines;
+    for (int i = 0; i < CHILD_LOG_LINES; i++) lines += "line " + std::to_string (i) + "\r\n";
+    ASSERT_TRUE (Child_Run ("log", directory.path, CHILD_NONE).started);
+    EXPECT_EQ (lines, Read_Whole (directory.File ("audit.dat")));
 }
 
 // The superuser of a Wine may write into read-only files, but nobody into one that somebody has for himself.

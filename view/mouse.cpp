@@ -140,6 +140,9 @@ static int Line_Under (const View::Pane *pane, int y) { return (pane->y0 + LINE_
 
 static int Is_Line (int line) { return line >= 0 && line < Rows.visible; }
 
+// Below the heading there may be a strip of the line above the first one seen, of which nobody knows what it is.
+static int Is_Seen (const View::Pane *pane, int line) { return line >= pane->first && Is_Line (line); }
+
 // The fold box of a column begins two pixels before the column does; on the line's own box they belong to it.
 static int Column_Under (const View::Pane *pane, int line, int x) {
     const int beside = x - pane->x0 - BOX_LEFT;
@@ -158,7 +161,7 @@ static int Press_Tree (Window window, int x, int y) {
     if (!Is_On_Lines (&pane, &Result.tree_slider, x, y)) return 0;
     const int line = Line_Under (&pane, y), pos = Column_Under (&pane, line, x);
     Log_Message (window, LOG_TRACE4, "In box 1 line:%d pos:%d", line, pos);
-    if (!Is_Line (line)) return 1;
+    if (!Is_Seen (&pane, line)) return 1;
     if (!Rows_Toggle (line, pos)) {
         Select_Line (line);
         return 1;
@@ -172,7 +175,7 @@ static int Press_Text_Pane (Box_Widget *box, const Slider *slider, int x, int y)
     View::Pane pane = Pane_Under (box, slider);
     if (!Is_On_Lines (&pane, slider, x, y)) return 0;
     const int line = Line_Under (&pane, y);
-    if (Is_Line (line)) Select_Line (line);
+    if (Is_Seen (&pane, line)) Select_Line (line);
     return 1;
 }
 

@@ -112,12 +112,16 @@ static void Fold_Box (int x, int bottom, int is_folded) {
     Line (right + 1, middle_y, x + CONNECTOR_TO, middle_y, VIEW_BLUE);
 }
 
+// Of the line above the first one seen a strip may show below the heading: there the upright lines lead on to it, and half a
+// box would be none to click on.
 static void Draw_Connectors (const View::Pane *pane, const Row *row, const uint8_t *ended) {
     const int left = pane->x0 + TREE_LEFT, bottom = View::Band_Bottom (pane, row->line);
-    for (int level = 0; level < row->level - 1; level++) {
+    const int is_above = row->line < pane->first, uprights = is_above ? row->level : row->level - 1;
+    for (int level = 0; level < uprights; level++) {
         const int x = left + MIDDLE + INDENT * level;
         if (!ended[level]) Line (x, bottom, x, bottom + VIEW_PITCH + 1, VIEW_BLUE);
     }
+    if (is_above) return;
 
     const int x = left + INDENT * (row->level - 1);
     if (row->kind & (ROW_ATTRIBUTE | ROW_MARK)) Attribute_Connector (x, bottom, row->kind & ROW_LAST);
@@ -127,7 +131,7 @@ static void Draw_Connectors (const View::Pane *pane, const Row *row, const uint8
 
 // Every row from the first one on is asked for its level, since those above the first line seen have set the flags. That
 // is a compare and a store a row: far below a millisecond for 200,000 rows. Rows are taken in their order, so no line is
-// searched. The line above the first one seen is drawn as well; what the heading doesn't hide of it joins the connectors.
+// searched.
 static int Connectors (const View::Pane *pane) {
     uint8_t ended[VIEW_LEVELS] = {};
     for (int i = 0; i < Rows.count && Rows.rows[i].line < pane->end; i++) {

@@ -267,6 +267,22 @@ TEST (ViewMouse, LineUnderTheHeadingIsNotHit) {
     for (int row = 0; row < Rows.count; row++) EXPECT_FALSE (Is_Selected (row)) << row;
 }
 
+// Between the heading and the first line seen there may be a strip of the line above it.
+TEST (ViewMouse, LineAboveTheFirstOneSeenIsNotHit) {
+    Shown shown (900, 500);
+    Build_Sequences (&shown, 100);
+    Result.vertical.value = 18 * 10;
+    const Widget &tree    = Result.tree.widget;
+    const int     top = tree.y + tree.h - VIEW_HEADING, line = shown.Band (10) + 9;
+    ASSERT_GT (top, line + 5);
+    for (int x : {Box_X (1), tree.x + 100, Result.value.widget.x + 30, Result.description.widget.x + 20})
+        for (int y = top - 1; y > line; y--) shown.Click (x, y);
+    EXPECT_EQ (101, Rows.visible);
+    for (int row = 0; row < Rows.count; row++) EXPECT_FALSE (Is_Selected (row)) << row;
+    shown.Click (tree.x + 100, line);
+    EXPECT_TRUE (Is_Selected (Rows_At (10)));
+}
+
 TEST (ViewMouse, NothingHappensWithoutRows) {
     Shown        shown;
     Log_Recorder log (4);

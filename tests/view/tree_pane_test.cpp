@@ -321,6 +321,34 @@ TEST (TreePane, AncestorsAreDrawnUntilTheirLastRow) {
     for (int line = 0; line < 9; line++) EXPECT_EQ (0, ancestor (line, 2)) << line;
 }
 
+// Below the heading a strip of the line above may be seen: there only what leads on to it is drawn, no half boxes.
+TEST (TreePane, LineAboveTheFirstOneHasUprightLinesOnly) {
+    Shown                    shown (1400, 300);
+    std::vector<Attribute *> list;
+    for (int i = 0; i < 30; i++)
+        list.push_back (shown.Sequence (0x0009, static_cast<uint16_t> (i), {shown.Record (0x0008, 0x0100)}));
+    shown.Build (shown.List (list));
+    shown.Scroll (18 * 3);
+    const Widget &tree = Result.tree.widget;
+    const int     x = 12 + 7, low = shown.Band (3) + 18, high = tree.y + tree.h - VIEW_HEADING;
+    ASSERT_LT (low + 3, high);
+    for (int y = low; y < high - 1; y++) {
+        EXPECT_EQ (VIEW_BLUE, shown.Pixel (x, y)) << y - low;
+        for (int beside = 1; beside < 20; beside++) {
+            EXPECT_EQ (PANE, shown.Pixel (x + beside, y)) << beside << " " << y - low;
+            EXPECT_EQ (PANE, shown.Pixel (x - beside / 2 - 1, y)) << beside << " " << y - low;
+        }
+    }
+
+    // Line 2 is the item in which line 3, the last one of its level, stands; its sequence is the last one, too.
+    shown.Build (shown.Sequence (0x0008, 0x1140, {shown.Record (0x0008, 0x0100)}));
+    shown.Unfold_All ();
+    Watched watched;
+    shown.Scroll (18 * 3);
+    for (int level = 0; level < 3; level++)
+        EXPECT_EQ (0, Upright (watched, x + 18 * level, shown.Band (2), shown.Band (2) + 19)) << level;
+}
+
 // What has been scrolled away still decides which levels have ended.
 TEST (TreePane, AncestorsAboveTheFirstLineCount) {
     Shown                    shown (1400, 400);

@@ -230,7 +230,7 @@ class Building(unittest.TestCase):
 
 
 class Limits(unittest.TestCase):
-    """docs/limits.md tells the limits that the sources have."""
+    """docs/limits.md tells the limits that the sources have, and so do other pages."""
 
     LIMITS = [
         ("2,147,483,647 bytes", "compare/file_reader.cpp", "FILE_SIZE_MOST = 0x7FFFFFFF;"),
@@ -244,25 +244,35 @@ class Limits(unittest.TestCase):
         ("10,239 characters", "util/my_error_fct.h", "LOG_TEXT_SIZE = 10240;"),
         ("| 10,000 |", "tools/texts.h", "TEXT_LINES = 10000;"),
         ("19 characters", "compare/difference_list.h", "ROW_NAME_SIZE = 20;"),
-        ("| 255 bytes | cut |", "tools/primitives.h", "DRAW_TEXT_LIMIT = 255;"),
+        ("| 251 bytes | cut |", "tools/primitives.h", "DRAW_TEXT_LIMIT = 255;"),
         ("255 characters with its end", "app/configuration.h", "CONFIGURATION_LINE_LENGTH = 255;"),
         ("2047 bytes", "tables/definition_files.h", "DEFINITION_LINE_SIZE = 2048;"),
         ("250,000", "tables/definition_files.h", "DEFINITION_RECORDS = 250000;"),
         ("| 10,239 |", "tables/definition_files.h", "DEFINITION_INCLUDES = 10240;"),
         ("1,048 bytes", "tables/definition_files.h", "DEFINITION_NUMBERS_SIZE = 1048;"),
-        ("| 255 bytes | cut, with a warning", "tables/definition_files.h", "DEFINITION_KEY_SIZE = 256;"),
+        ("as the name of a table | 64 bytes |", "attribute/NEMA_Tag_Complement.h", "CREATOR_NAME_LENGTH = 64;"),
         ("| 99 |", "tables/modality.h", "MODALITY_LIMIT = 100;"),
         ("-32,000 and 32,000", "app/start_up.cpp", "WINDOW_LIMIT = 32000;"),
         ("136 x 39 pixels", "app/start_up.cpp", "WINDOW_LEAST_WIDE = 136;"),
         ("narrower or lower than 30 pixels", "app/main_window.h", "LAYOUT_SMALLEST = 30;"),
     ]
 
-    def test_limits(self):
-        page = " ".join("\n".join(lines_of["docs/limits.md"]).split())
-        for text, path, code in self.LIMITS:
+    PRIVATE_TABLES = [
+        ("first 64 bytes count", "attribute/NEMA_Tag_Complement.h", "CREATOR_NAME_LENGTH = 64;"),
+    ]
+
+    def hold(self, name, limits):
+        page = " ".join("\n".join(lines_of[name]).split())
+        for text, path, code in limits:
             source = " ".join(" ".join(pages.read_lines(os.path.join(ROOT, path))).split())
             self.assertIn(text, page)
             self.assertIn(code, source, path)
+
+    def test_limits(self):
+        self.hold("docs/limits.md", self.LIMITS)
+
+    def test_private_tables(self):
+        self.hold("docs/private-tables.md", self.PRIVATE_TABLES)
 
 
 class Messages(unittest.TestCase):

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The whole program on the X display given by DISPLAY, as its user meets it: files are dropped, sequences unfolded,
 # separators dragged; then what the screen shows is looked at: main-window-test.sh PROGRAM X11_CLIENT
-# PICTURES. There need be no window manager. Nothing waits for a time: each step waits for what it brings about. A failure
+# PICTURES. There must be no window manager. Nothing waits for a time: each step waits for what it brings about. A failure
 # leaves a picture of the screen in the folder PICTURES.
 . "$(dirname "${BASH_SOURCE[0]}")/../support/script.sh"
 
@@ -222,9 +222,15 @@ xdotool key 0
 expect "REPORT:  Trace level: 0"
 end_program
 
-# --- sizes that are asked for ---
+# --- places and sizes that are asked for ---
 
 geometry_is () { xdotool getwindowgeometry "$window" | grep -q "Geometry: $1\$"; }
+position_is () { xdotool getwindowgeometry "$window" | grep -q "Position: $1 "; }
+
+start -x 40 640 -y 70 480 # A window manager would put its frame there, and the window inside.
+until_true position_is 40,70 || fail "a place: $(xdotool getwindowgeometry "$window")"
+until_true geometry_is 640x480 || fail "a size: $(xdotool getwindowgeometry "$window")"
+end_program
 
 start -x 3 # What isn't said is 0.
 until_true geometry_is 136x600 || fail "a width of 0: $(xdotool getwindowgeometry "$window")"

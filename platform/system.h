@@ -127,6 +127,10 @@ void System_Processor_Get (System_Processor *processor);
 // Gives the program a console and makes standard output write to it, unbuffered. On Linux standard output is the console.
 int System_Console_Open (void);
 
+// A console opened by a test instead of the real one; the result is what System_Console_Open returns. None restores it.
+typedef int (*System_Console_Hook) (void);
+void System_Console_Hook_Set (System_Console_Hook hook);
+
 // --- errors ----------------------------------------------------------------
 
 unsigned    System_Last_Error (void);               // The thread's last error: GetLastError, errno.

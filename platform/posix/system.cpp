@@ -633,7 +633,12 @@ void System_Processor_Get (System_Processor *processor) {
 
 // --- console ---------------------------------------------------------------
 
+static System_Console_Hook console_hook;
+
+void System_Console_Hook_Set (System_Console_Hook hook) { console_hook = hook; }
+
 int System_Console_Open (void) {
+    if (console_hook) return console_hook ();
     fflush (stdout);
     return !setvbuf (stdout, nullptr, _IONBF, 0);
 }

@@ -382,9 +382,14 @@ static int Console_Answers (void) {
     return answers;
 }
 
+static System_Console_Hook console_hook;
+
+void System_Console_Hook_Set (System_Console_Hook hook) { console_hook = hook; }
+
 // A windowed program has no console unless it makes one. It may have been given something to write to all the same (a
 // pipe, a file, the console of whoever redirected it): that is kept, so that the output of a batch run can be redirected.
 int System_Console_Open (void) {
+    if (console_hook) return console_hook ();
     HANDLE given = GetStdHandle (STD_OUTPUT_HANDLE);
     int    kept  = given && given != INVALID_HANDLE_VALUE && GetFileType (given) != FILE_TYPE_UNKNOWN;
 

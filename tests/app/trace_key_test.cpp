@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/system.h"
 #include "tests/support/log_recorder.h"
 #include "tests/support/temporary.h"
 #include "tools/primitives.h"
@@ -62,6 +63,19 @@ TEST (TraceKey, TracingStartsWithTheBanners) {
     EXPECT_EQ (Tools::Banner (nullptr), lines[last - 1].text);
     EXPECT_EQ ("", lines[last].text);
     for (size_t i = 1; i <= last; i++) EXPECT_EQ (LOG_TRACE1, lines[i].kind) << i;
+}
+
+static int No_Console (void) { return 0; }
+
+// The level counts all the same.
+TEST (TraceKey, WithoutAConsoleTracingStartsWithoutTheBanners) {
+    Trace_Keys keys (0);
+    System_Console_Hook_Set (No_Console);
+    Trace_Level_Key (nullptr, 3);
+    System_Console_Hook_Set (nullptr);
+    EXPECT_EQ (3, Log.trace_level);
+    ASSERT_EQ (1u, keys.log.lines.size ()) << keys.log.All ();
+    EXPECT_TRUE (keys.log.Has (LOG_REPORT, "Trace level: 3"));
 }
 
 // Also from a level below 0, which traces already.

@@ -943,18 +943,51 @@ TEST (FileReader, PhasesAreSilentAtLevelOne) {
 
 // --- at once ---------------------------------------------------------------
 
-// What a reading of the reader's file gives and says, with those kinds of messages silent that tell of the phases, or with
-// the phases one by one.
+// What a reading of the reader's file gives, with those kinds of messages silent that tell of the phases, or with the phases
+// one by one. said gets what it says in either case.
 static std::string Read_As (Reader *reader, bool silent, std::string *said) {
     Log_Recorder log;
-    reader->settings.kind_warning = silent ? 0 : LOG_WARNING;
+    reader->settings.kind_warning = silent ? 0 : LOG_REPORT; // Which nothing else is reported as.
     reader->settings.kind_note    = silent ? 0 : LOG_REPORT;
     reader->list                  = File_Read_List (nullptr, &reader->cursor, reader->name.c_str ());
     std::string fields            = Fields (reader->list);
     List_Delete (nullptr, &reader->cursor, &reader->list);
     for (const Log_Line &line : log.lines)
-        if (line.text.find ("reading stopped") != std::string::npos || line.kind == LOG_THREAD) *said += line.text;
+        if (line.kind != LOG_REPORT) *said += std::to_string (line.kind) + ": " + line.text + "\n";
     return fields;
+}
+
+// 1 when a file's records are nested before its end is reached: of a file that is cut off, memory that runs out for an item
+// is told before the cut. -1 when nothing of that is told.
+static int Nests_While_Reading (Reader *reader, bool silent) {
+    for (long n = 1;; n++) {
+        std::string said;
+        Memory_Fail_At (n);
+        Read_As (reader, silent, &said);
+        bool failed = Memory_Failed ();
+        Memory_Fail_At (0);
+        size_t nesting = said.find ("var=pt->item"), cut = said.find ("reading stopped");
+        if (nesting != std::string::npos && cut != std::string::npos) return nesting < cut;
+        if (!failed) return -1;
+    }
+}
+
+// Else the tests below would compare the phases with themselves.
+TEST (FileReader, AtOnceIsTakenWhenThePhasesAreSilent) {
+    Reader reader;
+    Stream stream = Small_File ();
+    Dictionary_Build (nullptr);
+    Stream_Open_Sequence (&stream, 0x0032, 0x1064, false);
+    for (const char *code : {"ONE", "TWO"}) {
+        Stream_Open_Item (&stream, false);
+        Stream_Add_Text (&stream, 0x0008, 0x0100, "SH", code);
+        Stream_Close_Item (&stream);
+    }
+    Stream_Close_Sequence (&stream);
+    Stream_Add_Header (&stream, 0x7FE0, 0x0010, "OW", 0x7FFFFFFE);
+    reader.name = reader.directory.Write ("file.dcm", stream.bytes);
+    EXPECT_EQ (1, Nests_While_Reading (&reader, true));
+    EXPECT_EQ (0, Nests_While_Reading (&reader, false));
 }
 
 static void Expect_The_Same (Reader *reader, const std::vector<unsigned char> &bytes, const std::string &which) {

@@ -12,7 +12,8 @@ static const int MILLION = 1000000;
 static const int MANY    = 50000; // Enough where a file is read dozens of times.
 #endif
 
-static const int DEEP = 10000;
+static const int DEEP    = 10000;
+static const int DEEPEST = MILLION / 10;
 
 static const uint32_t MOST = 0x7FFFFFFF; // Bytes of the largest file that is read.
 

@@ -2,7 +2,7 @@
 set (hostile_tests
     expected.cpp feed.cpp many.cpp
     lengths_test.cpp size_test.cpp sources_test.cpp sparse_test.cpp structure_test.cpp values_test.cpp
-    window_test.cpp ../app/whole_window.cpp)
+    window_test.cpp ../app/whole_window.cpp ../platform/$<IF:$<BOOL:${WIN32}>,win32,posix>_process_time.cpp)
 if (NOT WIN32)
     list (APPEND hostile_tests posix_sources_test.cpp ../platform/posix_process.cpp ../support/program.cpp)
 endif ()

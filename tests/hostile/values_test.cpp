@@ -2,6 +2,9 @@
 #include <gtest/gtest.h>
 #include <string.h>
 
+#include <set>
+
+#include "nema/NEMA_Read_Data.h"
 #include "tests/hostile/expected.h"
 #include "tests/hostile/feed.h"
 
@@ -33,12 +36,14 @@ static const Value_Rule RULES[] = {
     {"OB", 0x0009, 0x1001, 0, 70, "", "", '\x01'},
     {"OF", 0x0009, 0x1002, 0, 70, "", "", '\x01'}, // Not one of the explicit VRs that are kept.
     {"OW", 0x0028, 0x1201, 2, 70, "Expecting \"Other Word\" but got ", "", '\x01'},
+    {"OX", 0x0009, 0x1006, 2, 70, "Expecting \"Other Word\" but got ", "", '\x01'}, // Taken as an OW.
     {"PN", 0x0010, 0x0010, 0, 320, "", TOO_LONG, 'x'},
     {"SH", 0x0008, 0x0050, 0, 16, "", TOO_LONG, 'x'},
     {"SL", 0x0018, 0x6020, 4, 70, "Expecting \"Signed Long\" but got ", "", '\x01'},
     {"SS", 0x0018, 0x9219, 2, 70, "Expecting \"Signed Short\" but got ", "", '\x01'},
     {"ST", 0x0008, 0x0081, 0, 1024, "", TOO_LONG, 'x'},
     {"TM", 0x0008, 0x0030, 0, 16, "", TOO_LONG, '1'},
+    {"UH", 0x0009, 0x1007, 0, 70, "", "", '\x01'},
     {"UI", 0x0008, 0x0018, 0, 64, "", TOO_LONG, '1'},
     {"UL", 0x0008, 0x0001, 4, 70, "Expecting \"Signed Long\" but got ", "", '\x01'},
     {"UN", 0x0009, 0x1003, 0, 70, "", "", 'x'},
@@ -51,12 +56,20 @@ static bool Contains (const std::string &text, const std::string &part) {
     return text.find (part) != std::string::npos;
 }
 
-// 0 to 70 bytes, around the most that the VR allows, and at the ends of what a 16-bit length can say.
-static std::vector<size_t> Lengths (const Value_Rule &rule) {
+static bool Has_Long_Length (Stream_Syntax syntax, const Value_Rule &rule) {
+    static const std::set<std::string> LONG = {"OB", "OW", "OX", "UN", "UT"};
+    return syntax == IMPLICIT_LITTLE || LONG.count (rule.vr);
+}
+
+static const size_t MAPPED = NEMA_MAP_LENGTH; // From here on a value is a view of its file.
+
+// 0 to 71 bytes, around the most that the VR allows, at the ends of what a 16-bit length can say, and mapped ones.
+static std::vector<size_t> Lengths (Stream_Syntax syntax, const Value_Rule &rule) {
     std::vector<size_t> lengths;
     for (size_t length = 0; length <= 71; length++) lengths.push_back (length);
-    for (size_t length : {rule.most - 1, rule.most, rule.most + 1, size_t (65533), size_t (65534), size_t (65535)})
+    for (size_t length : {rule.most - 1, rule.most, rule.most + 1, MAPPED - 3, MAPPED - 2, MAPPED - 1})
         if (length > 71) lengths.push_back (length);
+    if (Has_Long_Length (syntax, rule)) lengths.insert (lengths.end (), {MAPPED, MAPPED + 1, MAPPED + 4465});
     return lengths;
 }
 
@@ -90,9 +103,10 @@ static void Check (Feed *feed, Stream_Syntax syntax, const Value_Rule &rule, siz
     EXPECT_EQ (3u, Expect (stream.bytes).elements.size ());
 
     std::string name = feed->Write (stream.bytes);
-    if (length % 5 == 0) feed->Comparisons (name, 3);
+    if (length % 5 == 0 || length >= MAPPED) feed->Comparisons (name, 3);
     std::string said = feed->Run (name, name, 1).warnings;
     EXPECT_EQ (length % 2 == 1, Contains (said, "tag lenght is odd")) << said;
+    EXPECT_EQ (!strcmp (rule.vr, "OX"), Contains (said, "Explicit VR=OX is invalid!")) << said;
     if (*rule.wrong_unit) {
         bool wrong = length % static_cast<size_t> (rule.unit) != 0;
         EXPECT_EQ (wrong, Contains (said, rule.wrong_unit + std::to_string (length) + " bytes")) << said;
@@ -105,18 +119,60 @@ static void Check (Feed *feed, Stream_Syntax syntax, const Value_Rule &rule, siz
 TEST (HostileValues, EveryVrInEveryLength) {
     Feed feed;
     for (const Value_Rule &rule : RULES)
-        for (size_t length : Lengths (rule)) Check (&feed, EXPLICIT_LITTLE, rule, length);
+        for (size_t length : Lengths (EXPLICIT_LITTLE, rule)) Check (&feed, EXPLICIT_LITTLE, rule, length);
 }
 
 TEST (HostileValues, EveryVrOfTheDictionaryInEveryLength) {
     Feed feed;
     for (const Value_Rule &rule : RULES)
         if (rule.group % 2 == 0)
-            for (size_t length : Lengths (rule)) Check (&feed, IMPLICIT_LITTLE, rule, length);
+            for (size_t length : Lengths (IMPLICIT_LITTLE, rule)) Check (&feed, IMPLICIT_LITTLE, rule, length);
 }
 
 TEST (HostileValues, EveryVrOfABigEndianStreamInEveryLength) {
     Feed feed;
     for (const Value_Rule &rule : RULES)
-        for (size_t length : Lengths (rule)) Check (&feed, EXPLICIT_BIG, rule, length);
+        for (size_t length : Lengths (EXPLICIT_BIG, rule)) Check (&feed, EXPLICIT_BIG, rule, length);
+}
+
+// --- sequences -------------------------------------------------------------
+
+// What is no item, repeated and cut to the length.
+static std::string Repeated (const std::string &part, size_t length) {
+    std::string value;
+    while (value.size () < length) value += part;
+    return value.substr (0, length);
+}
+
+// An element without value, which may stand anywhere but in a sequence.
+static std::string Empty_Element (Stream_Syntax syntax) {
+    Stream element = Stream_Begin (syntax);
+    Stream_Add_Header (&element, 0x0010, 0x0010, "PN", 0);
+    return std::string (element.bytes.begin (), element.bytes.end ());
+}
+
+static std::string Check_Sequence (Feed *feed, Stream_Syntax syntax, const std::string &value) {
+    Stream stream = Stream_Begin_File (syntax);
+    Stream_Add_Bytes (&stream, 0x0008, 0x1140, "SQ", value);
+    Stream_Add_Bytes (&stream, 0x7FE0, 0x0020, "OB", "behind");
+    feed->Elements (stream.bytes);
+    std::string name = feed->Write (stream.bytes);
+    if (value.size () % 5 == 0) feed->Comparisons (name, Expect (stream.bytes).Attributes ());
+    return feed->Outline (name);
+}
+
+TEST (HostileValues, SequencesOfEveryLengthWithoutItems) {
+    Feed feed;
+    for (Stream_Syntax syntax : HOSTILE_SYNTAXES) {
+        const std::string element = Empty_Element (syntax);
+        for (size_t length = 0; length <= 71; length++) {
+            SCOPED_TRACE (std::to_string (length) + " in " + std::to_string (syntax));
+            for (char byte : {'\0', '\1', 'x', 'A', '\xFF'}) Check_Sequence (&feed, syntax, std::string (length, byte));
+            std::string outline = Check_Sequence (&feed, syntax, Repeated (element, length));
+            if (length % element.size ()) continue;
+            std::string elements = Repeated ("(0010,0010) ", 12 * (length / element.size ()));
+            if (length) elements = "[" + elements.substr (0, elements.size () - 1) + "]";
+            EXPECT_EQ ("(0002,0010) (0008,1140)" + elements + " (7FE0,0020)", outline);
+        }
+    }
 }

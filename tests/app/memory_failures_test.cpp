@@ -2,6 +2,8 @@
 // their result, and its start with and without files.
 #include <gtest/gtest.h>
 
+#include <string.h>
+
 #include <filesystem>
 #include <memory>
 
@@ -19,6 +21,7 @@
 #include "tests/support/memory_failures.h"
 #include "tests/support/program.h"
 #include "tests/support/stream.h"
+#include "tools/device.h"
 #include "tools/icon.h"
 #include "util/memory.h"
 #include "view/result_view.h"
@@ -35,6 +38,56 @@ static int Box_Heard (Window, const char *text, const char *, Window_Icon) {
 static std::vector<std::string> Boxes_Take () {
     std::vector<std::string> taken;
     taken.swap (boxes);
+    return taken;
+}
+
+// --- other words -----------------------------------------------------------
+
+// What tells of a failure that no box tells of, since it happens while a window is drawn: the error log has icons, the
+// trace an image that can't be blended with its background.
+static const char *const OTHER_WORDS[] = {"Icon_Read_TGA(", "draw_image()"};
+
+static long                  noted; // Failures that they told of.
+static std::set<std::string> noted_words;
+
+// For both copies of an icon's pixels memory is asked for before either is looked at.
+static long Failures_Of (const char *words) {
+    long untold = Memory_Failed () - static_cast<long> (boxes.size ()) - noted;
+    return words == OTHER_WORDS[0] && untold == 2 ? 2 : 1;
+}
+
+// Everything goes on to the program's sink, as it would without a trace.
+static int Note_Other_Words (Window window, int kind, const char *text) {
+    for (const char *words : OTHER_WORDS) {
+        if (strncmp (text, words, strlen (words)) || !strstr (text, " failed in new")) continue;
+        noted += Failures_Of (words);
+        noted_words.insert (words);
+    }
+    int8_t level    = Log.trace_level;
+    Log.trace_level = 0;
+    int result      = Log_Program_Sink (window, kind, text);
+    Log.trace_level = level;
+    return result;
+}
+
+static void Trace_Drawing (const Device::Call *call) {
+    if (call->kind == Device::CALL_BEGIN) Log.trace_level = 1;
+    if (call->kind == Device::CALL_END) Log.trace_level = 0;
+}
+
+static void Other_Words_Begin () {
+    Log_Sink_Set (Note_Other_Words);
+    Device::Watch (Trace_Drawing);
+}
+
+static void Other_Words_End () {
+    Device::Watch (nullptr);
+    Log_Sink_Set (Log_Program_Sink);
+}
+
+static long Noted_Take () {
+    long taken = noted;
+    noted      = 0;
     return taken;
 }
 
@@ -81,6 +134,12 @@ static std::string Picture (Window window) {
     return std::to_string (width) + "x" + std::to_string (height) + " " + std::to_string (sum) + "\n";
 }
 
+static std::vector<std::string> Row_Names () {
+    std::vector<std::string> names;
+    for (int i = 0; i < Rows.count; i++) names.push_back (Rows.rows[i].name ? Rows.rows[i].name : "-");
+    return names;
+}
+
 static std::string Shown_Rows () {
     std::string text;
     for (int i = 0; i < Rows.count; i++) {
@@ -102,8 +161,12 @@ struct Failing_Window {
     Failing_Window () {
         DICOM_Module_Dir_Set (files.folder.path.c_str ());
         Window_Box_Hook_Set (Box_Heard);
+        Other_Words_Begin ();
     }
-    ~Failing_Window () { Forget (); }
+    ~Failing_Window () {
+        Forget ();
+        Other_Words_End ();
+    }
 
     static void Forget () {
         Comparison_Free (nullptr);
@@ -130,7 +193,7 @@ struct Failing_Window {
         trial.run     = run;
         trial.end     = end;
         trial.reports = Boxes_Take;
-        trial.quiet   = 1; // Icons are told of in the error log, and a blended image in the trace.
+        trial.noted   = Noted_Take;
         trial.live    = [] { return Memory_Live () - Result.text.line_count; };
         return trial;
     }
@@ -153,7 +216,8 @@ TEST (MemoryFailures, DropOfTwoFiles) {
     }
 }
 
-// Everything that a window does with a result: it draws, folds, selects, scrolls, is made larger and smaller.
+// Everything that a window does with a result: it draws, folds, selects, scrolls, is made larger and smaller. Without
+// memory a picture may lack something and a click may meet nothing, but the result stays.
 TEST (MemoryFailures, WorkWithTheResult) {
     Failing_Window window;
     Memory_Trial   trial = window.Trial (
@@ -177,16 +241,26 @@ TEST (MemoryFailures, WorkWithTheResult) {
     window.shown.Drop ({"a.dcm", "b.dcm"});
     window.shown.Separators (110, 190, 40);
     EXPECT_TRUE (window.shown.Select (0x0008, 0x0016));
-    for (Memory_Loss loss : {LOSS_OF_ONE, LOSS_OF_TWO, LOSS_OF_ALL}) Every_Memory_Failure (trial, loss);
+    const std::vector<std::string> names = Row_Names ();
+    EXPECT_EQ (9u, names.size ());
+    trial.check = [&names] (const std::string &, const std::vector<std::string> &) { EXPECT_EQ (names, Row_Names ()); };
+    for (Memory_Loss loss : {LOSS_OF_ONE, LOSS_OF_TWO, LOSS_OF_ALL}) {
+        noted_words.clear ();
+        std::set<std::string> told = Every_Memory_Failure (trial, loss);
+        for (const char *variable : {"device: region", "file: file"}) EXPECT_TRUE (told.count (variable)) << variable;
+        for (const char *words : OTHER_WORDS) EXPECT_TRUE (noted_words.count (words)) << words;
+    }
 }
 
 // --- start-up --------------------------------------------------------------
 
 static int No_Loop (Window window) {
+    Other_Words_Begin ();
     Window_Event event = {};
     event.kind         = WINDOW_PAINT;
     Window_Send (window, &event);
     Icon_Read (nullptr, "icon_type_0.tga");
+    Other_Words_End ();
     return 7;
 }
 
@@ -243,7 +317,7 @@ struct Failing_Start {
         trial.run     = [this] { return Run (); };
         trial.end     = [this] { End (); };
         trial.reports = Boxes_Take;
-        trial.quiet   = window;
+        trial.noted   = Noted_Take;
         trial.check   = [this] (const std::string &, const std::vector<std::string> &reports) {
             std::string variable = reports.empty () ? "" : Memory_Variable (reports[0]);
             if (variable.find ("start_up: ") && variable.find ("command_line: ")) return;

@@ -24,8 +24,8 @@ struct Memory_Trial {
     std::function<void ()> end;
     // The texts of the error boxes since the last call.
     std::function<std::vector<std::string> ()> reports;
-    // 1 when some failures are told by other words, or not at all.
-    int quiet = 0;
+    // How many failures were told in other words since the last call. None: the boxes tell of each.
+    std::function<long ()> noted;
     // Blocks that are alive, without those that a run may leave behind. None: Memory_Live.
     std::function<long ()> live;
     // What a run that failed has to show, or none.

@@ -1,7 +1,7 @@
 // What Linux has under names of files and what is no file.
 #include <gtest/gtest.h>
 
-#include "tests/hostile/feed.h"
+#include "tests/hostile/hostile_window.h"
 #include "tests/platform/posix_process.h"
 #include "tests/support/program.h"
 
@@ -31,6 +31,17 @@ TEST (HostilePosixSources, FifoWithAWriter) {
     Fifo_Writer writer (name, Read_Whole (feed.good));
     ASSERT_LE (0, writer.descriptor);
     Expect_Refused (name, NO_FILE);
+}
+
+TEST (HostilePosixSources, FifoDroppedOnTheWindow) {
+    EXPECT_EQ (0, In_Child ([&] {
+                   Hostile_Window window;
+                   std::string    name = window.feed.tables.directory.File ("fifo");
+                   if (!Fifo_Make (name)) return 2;
+                   window.Take (name);
+                   window.Expect_Usable ();
+                   return testing::Test::HasFailure () ? 1 : 0;
+               }));
 }
 
 TEST (HostilePosixSources, Devices) {

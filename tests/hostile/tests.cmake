@@ -1,6 +1,6 @@
 # Files that nobody should have written, fed to everything that reads files.
 set (hostile_tests
-    expected.cpp feed.cpp many.cpp
+    expected.cpp feed.cpp kinds.cpp many.cpp
     lengths_test.cpp size_test.cpp sources_test.cpp sparse_test.cpp structure_test.cpp values_test.cpp
     window_test.cpp ../app/whole_window.cpp ../platform/$<IF:$<BOOL:${WIN32}>,win32,posix>_process_time.cpp)
 if (NOT WIN32)

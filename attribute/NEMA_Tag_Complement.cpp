@@ -203,6 +203,7 @@ int DICOM_Attribute_Complement_Private (Window window, SequenceCursor *cursor, A
     Creators creators = {};
     creators.first    = first;
     Complement_Private (window, cursor->settings, &creators, attribute);
+    if (creators.named) DICOM_Module_Private_Look_Anew ();
     return 1;
 }
 
@@ -320,6 +321,7 @@ static int Complement (Window window, SequenceCursor *cursor, Attribute *first, 
     creators.meets    = !items && first && !first->unordered;
     if (!creators.meets) Creators_Gather (window, &creators, first);
     Complement_List (window, cursor, &creators, first, items);
+    if (creators.named) DICOM_Module_Private_Look_Anew ();
     Memory_Free (creators.slots);
     return 0;
 }

@@ -22,7 +22,12 @@
 
 static const char *const MODULE = "definition_files";
 
+static unsigned Warnings;
+
+unsigned Definition_Warnings (void) { return Warnings; }
+
 void Definition_Warn (Window window, const char *what, const char *label, int line_number) {
+    Warnings++;
     Log_Message (window, LOG_WARNING, DEFINITION_WARNING "%s" DEFINITION_BLUE ("%s") " line:" DEFINITION_BLUE ("%d"),
                  what, label, line_number);
 }
@@ -38,6 +43,7 @@ const char *DICOM_Module_Dir_Set (const char *path) {
     if (path && !failed) {
         Memory_Free (Module_Dir);
         Module_Dir = copy;
+        Definition_Private_Look_Anew ();
     }
     const char *current = failed ? nullptr : Module_Dir;
     Mutex_Access_Stop ();
@@ -264,7 +270,7 @@ static void Count_Open (Table *table, const Attribute *tag) {
 
 static List_Cache_Name Include_Name[DEFINITION_INCLUDES];
 static Attribute      *Include_List[DEFINITION_INCLUDES];
-static List_Cache      Include = {Include_Name, Include_List, 0, 0, {}};
+static List_Cache      Include = {Include_Name, Include_List, 0, DEFINITION_INCLUDES, 0};
 
 // A table that waits for another one keeps no file open, unless it is its caller's.
 static void Table_Pause (Table *table) {
@@ -309,6 +315,7 @@ static void Table_Release (Table *table) {
 }
 
 static void Warn_Includes (Window window) {
+    Warnings++;
     Log_Message (window, LOG_WARNING,
                  DEFINITION_WARNING " To many include in DICOM tables! (max=" DEFINITION_BLUE ("%d") ")",
                  DEFINITION_INCLUDES);

@@ -9,8 +9,8 @@
 //     >include Issuer_of_Patient_ID
 //
 // Everything here works on caches that the whole program shares. DICOM_Module_Dir_Set, DICOM_Module_Include_Get,
-// DICOM_Module_Include_Free, DICOM_Module_Read_Private and DICOM_Module_Private_Free enter the protected region
-// themselves; who calls DICOM_Module_Read_File or DICOM_Module_Assemble is in it already.
+// DICOM_Module_Include_Free and those of private attributes enter the protected region themselves; who calls
+// DICOM_Module_Read_File or DICOM_Module_Assemble is in it already.
 #pragma once
 
 #include "attribute/sequence_cursor.h"
@@ -62,6 +62,11 @@ int DICOM_Module_Assemble (Window window, const Settings *settings, const char *
 // Completes a private attribute from the table of its creator. 1 when a definition was found and applied, else 0, or -1 when
 // there is no table: then it isn't found for any other attribute of this creator either.
 int DICOM_Module_Read_Private (Window window, const Settings *settings, const char *creator, Attribute *attribute);
+
+// The end of a pass over the attributes of a file: a creator that is asked for the first time is looked for in the
+// directory as it is then, in tables as they are then. Up to here what the directory has may be taken from its list, and a
+// table that has been read without a word isn't read again.
+void DICOM_Module_Private_Look_Anew (void);
 
 // Forgets the private tables (the program keeps them until it ends).
 void DICOM_Module_Private_Free (Window window);

@@ -17,6 +17,8 @@ static const size_t DEFINITION_NAME_SIZE = DEFINITION_LINE_SIZE + 32;
 // The header "WARNING:", what, label, " line:", line number.
 void Definition_Warn (Window window, const char *what, const char *label, int line_number);
 
+unsigned Definition_Warnings (void);    // How many warnings tables have given so far.
+
 // --- files -----------------------------------------------------------------
 
 const char *Definition_Directory (void);            // None when it isn't set.
@@ -31,6 +33,7 @@ int Definition_Read (Window window, const Settings *settings, File *file, const 
                      int *records);
 
 void Definition_Includes_Empty (Window window);     // As DICOM_Module_Include_Free, inside of the region.
+void Definition_Private_Look_Anew (void);           // As DICOM_Module_Private_Look_Anew, inside of the region.
 
 // --- lines and values ------------------------------------------------------
 

@@ -273,6 +273,39 @@ TEST (NemaTagComplement, TableOfTheCreatorDescribesItsAttributes) {
     EXPECT_EQ ("OTHER", Description (other));
 }
 
+// A list whose private attributes have 100 creators, and the description of the last one's.
+static std::string Last_Of_Many (const std::string &creator) {
+    Test_List  list;
+    Attribute *attribute = nullptr;
+    for (uint16_t i = 0; i < 100; i++)
+        list.Add (0x0009, static_cast<uint16_t> (0x0010 + i), "LO", creator + std::to_string (i));
+    for (uint16_t i = 0; i < 100; i++) attribute = list.Add (0x0009, static_cast<uint16_t> (0x1001 + 0x100 * i));
+    Complement (&list);
+    return Description (attribute);
+}
+
+// What is found out about the directory for one list is forgotten behind it.
+TEST (NemaTagComplement, TableThatComesBetweenTwoListsIsSeen) {
+    Private_Table table ("(0009,1001) desc=\"Mode\"\n");
+    EXPECT_EQ ("OTHER 99", Last_Of_Many ("OTHER "));
+    EXPECT_EQ ("Mode", Last_Of_Many ("ACME 1.0 "));
+    table.directory.Write ("DICOM_Private_OTH.txt", std::string ("(0009,1001) desc=\"Other\"\n"));
+    table.directory.Write ("DICOM_Private_ACME 1.0.txt", std::string ("(0009,1001) desc=\"Changed\"\n"));
+    EXPECT_EQ ("OTHER 99", Last_Of_Many ("OTHER "));
+    EXPECT_EQ ("Mode", Last_Of_Many ("ACME 1.0 "));
+    EXPECT_EQ ("Other", Last_Of_Many ("OTHER 1."));
+    EXPECT_EQ ("Changed", Last_Of_Many ("ACME 1.0."));
+}
+
+TEST (NemaTagComplement, NamesOfTablesArentKept) {
+    Private_Table table ("(0009,1001) desc=\"Mode\"\n");
+    Last_Of_Many ("OTHER ");
+    Last_Of_Many ("MORE ");
+    long live = Memory_Live ();
+    Last_Of_Many ("EVEN ");
+    EXPECT_EQ (live + 100, Memory_Live ()) << "names of creators";
+}
+
 // Creators are given blocks as they come; the table is written for the first one.
 TEST (NemaTagComplement, TableServesEveryBlock) {
     Private_Table table ("(0009,1001) desc=\"Mode\"\n");

@@ -124,7 +124,7 @@ struct Failing_Comparison {
         tables.Attributes ("CT Image", "(0018,0060) type=2\n(0008,1140) type=3 VR=SQ\n>(0008,1150) type=1\n"
                                        ">include Codes\n(0028,0010) type=1 VR=US \"512\"\n");
         tables.Include ("Codes", "(0040,A170) type=3 VR=SQ\n>(0008,0100) type=1C\n");
-        tables.Private ("SOME_MAKER", "(0009,xx01) VR=LO desc=\"Theirs\"\n(0009,1001) VR=LO desc=\"Ours\"\n");
+        tables.Private ("SOME MAKER", "(0009,1001) VR=SH\n");
     }
     ~Failing_Comparison () { End (); }
 
@@ -190,6 +190,7 @@ static const std::vector<std::string> BOTH = {"comparison_run: Name_File_A",
                                               "definition_private: Private_List",
                                               "definition_private: Private_Name",
                                               "definition_private: Private_Name[Private_Nb]",
+                                              "definition_private: Private_Table",
                                               "syntax_check: mom_tag.data",
                                               "syntax_check: new_time"};
 

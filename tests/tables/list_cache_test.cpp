@@ -18,6 +18,7 @@ struct Cache {
     explicit Cache (size_t room) : names (room), lists (room) {
         cache.names = names.data ();
         cache.lists = lists.data ();
+        List_Cache_Room (&cache, static_cast<int32_t> (room));
     }
     ~Cache () { List_Cache_Empty (nullptr, &cache); }
     int32_t Add (const std::string &name) {
@@ -25,16 +26,44 @@ struct Cache {
     }
 };
 
+static void Expect_Numbers (Cache *names, int count) {
+    for (int i = 0; i < count; i++) EXPECT_EQ (i, List_Cache_Find (&names->cache, std::to_string (i).c_str ()));
+    EXPECT_EQ (-1, List_Cache_Find (&names->cache, std::to_string (count).c_str ()));
+    EXPECT_EQ (-1, List_Cache_Find (&names->cache, "-1"));
+    EXPECT_EQ (-1, List_Cache_Find (&names->cache, ""));
+}
+
 TEST (ListCache, FindsEveryNameAlsoWhenBucketsAreShared) {
-    static const int COUNT = 2 * LIST_CACHE_BUCKETS;
-    Cache            names (COUNT);
-    for (int i = 0; i < COUNT; i++) {
-        EXPECT_EQ (-1, List_Cache_Find (&names.cache, std::to_string (i).c_str ()));
-        EXPECT_EQ (i, names.Add (std::to_string (i)));
+    for (int count : {1, 2, 3, 1000, 8192, 10240}) {
+        Cache names (static_cast<size_t> (count));
+        for (int i = 0; i < count; i++) {
+            EXPECT_EQ (-1, List_Cache_Find (&names.cache, std::to_string (i).c_str ()));
+            EXPECT_EQ (i, names.Add (std::to_string (i)));
+        }
+        Expect_Numbers (&names, count);
     }
-    for (int i = 0; i < COUNT; i++) EXPECT_EQ (i, List_Cache_Find (&names.cache, std::to_string (i).c_str ()));
-    EXPECT_EQ (-1, List_Cache_Find (&names.cache, "-1"));
-    EXPECT_EQ (-1, List_Cache_Find (&names.cache, ""));
+}
+
+TEST (ListCache, NothingIsInACacheWithoutRoom) {
+    List_Cache cache = {};
+    EXPECT_EQ (-1, List_Cache_Find (&cache, "a"));
+    List_Cache_Empty (nullptr, &cache);
+}
+
+TEST (ListCache, FindsEveryNameWhenThereIsMoreRoom) {
+    Cache names (1);
+    int   count = 0;
+    for (size_t room = 1; room <= 1024; room *= 2) {
+        names.names.resize (room);
+        names.lists.resize (room);
+        for (List_Cache_Name &name : names.names) name.bucket = -1; // As new memory may be.
+        names.cache.names = names.names.data ();
+        names.cache.lists = names.lists.data ();
+        List_Cache_Room (&names.cache, static_cast<int32_t> (room));
+        Expect_Numbers (&names, count);
+        for (; count < static_cast<int> (room); count++) EXPECT_EQ (count, names.Add (std::to_string (count)));
+        Expect_Numbers (&names, count);
+    }
 }
 
 TEST (ListCache, EmptyingReleasesNamesAndLists) {
